@@ -1,0 +1,18 @@
+# What every target of ours is compiled and linked with.
+add_library(vostrand_compile_options INTERFACE)
+
+target_compile_options(vostrand_compile_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
+  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
+  # Scores must not change their last digit with the machine: no contraction to fused multiply-add.
+  -ffp-contract=off)
+
+if(VOSTRAND_WARNINGS_AS_ERRORS)
+  target_compile_options(vostrand_compile_options INTERFACE -Werror)
+endif()
+
+if(VOSTRAND_SANITIZERS)
+  target_compile_options(vostrand_compile_options INTERFACE
+    -fsanitize=${VOSTRAND_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(vostrand_compile_options INTERFACE -fsanitize=${VOSTRAND_SANITIZERS})
+endif()

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <exception>
+#include <utility>
+
+namespace orlo::vostrand_lib {
+
+/// Runs `body` at an entry of the library and keeps every exception inside: out of memory, or one that the
+/// host's logger or streams threw. Returns false when there was one; `on_failure`, when given, hears its
+/// text.
+template <typename Body, typename OnFailure>
+bool GuardBoundary(Body&& body, OnFailure&& on_failure) noexcept {
+  const auto report = [&](const char* reason) {
+    try {
+      on_failure(reason);
+    } catch (...) {  // The message was the last thing that could be done.
+    }
+    return false;
+  };
+  try {
+    body();
+    return true;
+  } catch (const std::exception& failure) {
+    return report(failure.what());
+  } catch (...) {
+    return report("unknown failure");
+  }
+}
+
+template <typename Body>
+bool GuardBoundary(Body&& body) noexcept {
+  return GuardBoundary(std::forward<Body>(body), [](const char*) {});
+}
+
+}  // namespace orlo::vostrand_lib

@@ -1,0 +1,35 @@
+#include "ut/format.h"
+
+#include <cstdio>
+#include <cstring>
+#include <new>
+
+#include "ut/c_locale.h"
+
+std::string ut_vformat(const char* format, va_list arguments) {
+  const ut_c_locale_scope c_locale;
+  va_list again;
+  va_copy(again, arguments);
+  const int length = std::vsnprintf(nullptr, 0, format, again);
+  va_end(again);
+  std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+  // std::string keeps room for the closing NUL behind its last character.
+  std::vsnprintf(text.data(), text.size() + 1, format, arguments);
+  return text;
+}
+
+char* neoform(const char* format, ...) {
+  thread_local std::string text;
+  va_list arguments;
+  va_start(arguments, format);
+  text = ut_vformat(format, arguments);
+  va_end(arguments);
+  return text.data();
+}
+
+char* ut_strdup(const char* text) {
+  if (!text) return nullptr;
+  char* const copy = strdup(text);
+  if (!copy) throw std::bad_alloc();
+  return copy;
+}

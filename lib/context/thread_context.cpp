@@ -1,6 +1,9 @@
 #include "context/thread_context.h"
 
+#include <dlfcn.h>
+
 #include <memory>
+#include <mutex>
 
 #include "context/live_contexts.h"
 
@@ -11,6 +14,19 @@ void QThreadStorage<orlo::vostrand_lib::self_context*>::deleteData(void* context
 }
 
 namespace orlo::vostrand_lib {
+namespace {
+
+std::once_flag storage_kept;
+
+// Qt Core keeps data for every thread that has used its storage and gives it up when the thread ends. A host that
+// unloads this library would unload Qt with it and lose that data for each of its threads, so Qt stays loaded.
+void KeepStorageLoaded() {
+  Dl_info qt;
+  const auto function = reinterpret_cast<const void*>(&qVersion);
+  if (::dladdr(function, &qt)) ::dlopen(qt.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
+}
+
+}  // namespace
 
 self_context* ThreadContext() {
   if (!thl_data.hasLocalData()) return nullptr;
@@ -23,6 +39,7 @@ self_context* RunContext(const kelpn::mparrunner::VOSTRAND_CONTEXT& record) {
 }
 
 self_context& StartRun(kelpn::mparrunner::VOSTRAND_CONTEXT& record) {
+  std::call_once(storage_kept, KeepStorageLoaded);
   auto made = std::make_unique<self_context>(record.logger);
   record.selfContext = made.get();
   // The new context counts as installed only after the old one is gone: memory is reused, so an old context

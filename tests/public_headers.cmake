@@ -1,0 +1,11 @@
+# Every header of the library compiles alone, with all warnings, in whatever order a host includes them.
+file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/lib ${PROJECT_SOURCE_DIR}/lib/*.h)
+set(header_sources)
+foreach(header IN LISTS headers)
+  string(MAKE_C_IDENTIFIER ${header} name)
+  set(source ${CMAKE_CURRENT_BINARY_DIR}/headers/${name}.cpp)
+  file(CONFIGURE OUTPUT ${source} CONTENT "#include \"${header}\"\n")
+  list(APPEND header_sources ${source})
+endforeach()
+add_library(public_headers OBJECT ${header_sources})
+target_link_libraries(public_headers PRIVATE vostrand_objects vostrand_compile_options)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cxxabi.h>
+
 #include <exception>
 #include <utility>
 
@@ -9,10 +11,12 @@ namespace orlo::vostrand_lib {
 /// host's logger or streams threw. Returns false when there was one; `on_failure`, when given, hears its
 /// text.
 template <typename Body, typename OnFailure>
-bool GuardBoundary(Body&& body, OnFailure&& on_failure) noexcept {
+bool GuardBoundary(Body&& body, OnFailure&& on_failure) {
   const auto report = [&](const char* reason) {
     try {
       on_failure(reason);
+    } catch (const abi::__forced_unwind&) {
+      throw;
     } catch (...) {  // The message was the last thing that could be done.
     }
     return false;
@@ -20,6 +24,8 @@ bool GuardBoundary(Body&& body, OnFailure&& on_failure) noexcept {
   try {
     body();
     return true;
+  } catch (const abi::__forced_unwind&) {  // The thread is being cancelled; that is no exception to be kept.
+    throw;
   } catch (const std::exception& failure) {
     return report(failure.what());
   } catch (...) {
@@ -28,7 +34,7 @@ bool GuardBoundary(Body&& body, OnFailure&& on_failure) noexcept {
 }
 
 template <typename Body>
-bool GuardBoundary(Body&& body) noexcept {
+bool GuardBoundary(Body&& body) {
   return GuardBoundary(std::forward<Body>(body), [](const char*) {});
 }
 

@@ -10,87 +10,84 @@ namespace {
 
 struct entry {
   const self_context* context;
-  const void* record;
   std::thread::id thread;
+  bool alive;
 };
 
 // Never destroyed, since threads may end after the library's other globals are gone; memory is given back
 // when the last context goes, so that an unloaded library leaves nothing behind.
 union immortal_entries {
-  std::vector<entry> live;
-  constexpr immortal_entries() : live() {}
+  std::vector<entry> all;
+  constexpr immortal_entries() : all() {}
   constexpr ~immortal_entries() {}
 };
 
 constinit std::mutex guard;
 constinit immortal_entries entries;
 
-entry* find(const self_context* context) {
-  const auto found = std::find_if(entries.live.begin(), entries.live.end(),
+// The entry of a context that lives, or that ended and is reserved; null when there is none.
+entry* Find(const self_context* context) {
+  const auto found = std::find_if(entries.all.begin(), entries.all.end(),
                                   [=](const entry& e) { return e.context == context; });
-  return found == entries.live.end() ? nullptr : &*found;
+  return found == entries.all.end() ? nullptr : &*found;
 }
 
-void erase(const entry& gone) {
-  entries.live.erase(entries.live.begin() + (&gone - entries.live.data()));
-  if (entries.live.empty()) entries.live.shrink_to_fit();
+entry* FindAlive(const self_context* context) {
+  entry* const found = Find(context);
+  return found && found->alive ? found : nullptr;
 }
 
-template <typename Condition>
-bool erase_if(const self_context* context, Condition condition) {
-  const std::lock_guard lock(guard);
-  entry* const found = find(context);
-  if (!found || !condition(*found)) return false;
-  erase(*found);
-  return true;
+entry* FindInstalledHere(const self_context* context) {
+  entry* const found = FindAlive(context);
+  return found && found->thread == std::this_thread::get_id() ? found : nullptr;
 }
 
-bool held_by_this_thread(const entry& e) {
-  return e.thread == std::this_thread::get_id();
-}
-
-// A context that was made without a record, as a host's own use of the scoring functions does, fits any.
-bool made_for(const entry& e, const void* record) {
-  return !e.record || e.record == record;
+void Erase(const entry& gone) {
+  entries.all.erase(entries.all.begin() + (&gone - entries.all.data()));
+  if (entries.all.empty()) entries.all.shrink_to_fit();
 }
 
 }  // namespace
 
-void add(const self_context* context) {
+void Add(const self_context* context) {
   const std::lock_guard lock(guard);
-  entries.live.push_back({context, nullptr, std::thread::id()});
+  entries.all.push_back({context, std::thread::id(), true});
 }
 
-void remove(const self_context* context) {
-  erase_if(context, [](const entry&) { return true; });
-}
-
-void install(const self_context* context, const void* record) {
+void Remove(const self_context* context) {
   const std::lock_guard lock(guard);
-  if (entry* const found = find(context)) {
-    found->record = record;
-    found->thread = std::this_thread::get_id();
-  }
+  if (const entry* const found = FindAlive(context)) Erase(*found);
 }
 
-bool is_installed_here(const self_context* context) {
+void Install(const self_context* context) {
   const std::lock_guard lock(guard);
-  const entry* const found = find(context);
-  return found && held_by_this_thread(*found);
+  if (entry* const found = FindAlive(context)) found->thread = std::this_thread::get_id();
 }
 
-bool belongs_to(const self_context* context, const void* record) {
+bool IsAlive(const self_context* context) {
   const std::lock_guard lock(guard);
-  const entry* const found = find(context);
-  return found && made_for(*found, record);
+  return FindAlive(context) != nullptr;
 }
 
-bool claim_from_thread(const self_context* context) {
-  return erase_if(context, held_by_this_thread);
+bool IsInstalledHere(const self_context* context) {
+  const std::lock_guard lock(guard);
+  return FindInstalledHere(context) != nullptr;
 }
 
-bool claim_from_record(const self_context* context, const void* record) {
-  return erase_if(context, [=](const entry& e) { return made_for(e, record); });
+bool EndWithThread(const self_context* context) {
+  const std::lock_guard lock(guard);
+  entry* const found = FindInstalledHere(context);
+  if (found) found->alive = false;
+  return found != nullptr;
+}
+
+Claim ReleaseFromRecord(const self_context* context) {
+  const std::lock_guard lock(guard);
+  const entry* const found = Find(context);
+  if (!found) return Claim::nothing;
+  const Claim todo = found->alive ? Claim::destroy : Claim::free;
+  Erase(*found);
+  return todo;
 }
 
 }  // namespace orlo::vostrand_lib::live_contexts

@@ -3,30 +3,10 @@
 #include "context/exit.h"
 #include "context/self_context.h"
 #include "context/thread_context.h"
-#include "ut/strobj.h"
 
 namespace orlo::vostrand_lib {
 
 using kelpn::mparrunner::VOSTRAND_CONTEXT;
-
-namespace {
-
-UT_STROBJ AsLine(UT_STROBJ text) {
-  if (text.right(1).strcmp("\n") != 0) text += "\n";
-  return text;
-}
-
-}  // namespace
-
-void SendStatus(kelpn::ILogger& logger, const char* text) {
-  const UT_STROBJ line = AsLine(text);
-  logger.onStdout(line.getstring(1));
-}
-
-void SendDiagnostic(kelpn::ILogger& logger, const char* kind, const char* text) {
-  const UT_STROBJ line = AsLine(UT_STROBJ().str_format("%s - %s: %s", kind, "vostrand", text ? text : ""));
-  logger.onStderr(line.getstring(1));
-}
 
 void _ut_status(const char* text, VOSTRAND_CONTEXT* context) {
   context->selfContext->_ut_status(text);

@@ -1,11 +1,8 @@
 #pragma once
 
-#include "host/logger.h"
 #include "host/records.h"
 
-/// Every line that the library writes leaves through one of these. A line is the text, ended by exactly one
-/// "\n"; warnings and errors lead it with their kind. The text is never a format: "%" is printed as it is.
-/// Null is empty.
+/// Every line that the library writes leaves through one of these, as "context/message_line.h" makes it.
 namespace orlo::vostrand_lib {
 
 // For code that holds the host's record, between the run's start and its release.
@@ -19,10 +16,5 @@ void _ut_userfatal(const char* text, kelpn::mparrunner::VOSTRAND_CONTEXT* contex
 // the text is lost, since it is nobody's.
 void _ut_status(const char* text);
 void _ut_error(const char* text);
-
-/// The line itself, for those that hold neither record nor context.
-void SendStatus(kelpn::ILogger& logger, const char* text);
-/// `kind` is "WARNING" or "ERROR".
-void SendDiagnostic(kelpn::ILogger& logger, const char* kind, const char* text);
 
 }  // namespace orlo::vostrand_lib

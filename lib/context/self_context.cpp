@@ -1,18 +1,18 @@
 #include "context/self_context.h"
 
 #include "context/live_contexts.h"
-#include "context/messages.h"
+#include "context/message_line.h"
 #include "context/std_logger.h"
 #include "ut/filemanager.h"
 
 namespace orlo::vostrand_lib {
 
 self_context::self_context(kelpn::ILogger* host_logger) : logger(host_logger ? host_logger : &stdlogger) {
-  live_contexts::add(this);
+  live_contexts::Add(this);
 }
 
 self_context::~self_context() {
-  live_contexts::remove(this);
+  live_contexts::Remove(this);
   delete cmdArgs;
   cmdArgs = nullptr;
   ut_file->rm_ofile(runInfo.logStream);

@@ -1,8 +1,6 @@
 #include "driver/command_line.h"
 
-#include <algorithm>
 #include <iostream>
-#include <string_view>
 
 #include "context/messages.h"
 #include "context/run_log.h"
@@ -51,9 +49,9 @@ bool ReadPair(const UT_STROBJ& first, const UT_STROBJ& second, VOSTRAND_CONTEXT&
 }  // namespace
 
 bool ReadCommandLine(int argc, const char** argv, VOSTRAND_CONTEXT& record, Settings& settings) {
-  // A host's mistake, a null among the arguments, ends the vector there.
-  const char* const* const end = argv && argc > 0 ? std::find(argv, argv + argc, nullptr) : argv;
-  switch (const auto given = static_cast<int>(end - argv)) {
+  for (int i = 1; argv && i < argc; ++i)
+    if (!argv[i]) return RefuseCommandLine("An argument is missing.", &record);
+  switch (argv ? argc : 0) {
     case 1:
       usage(&record);
       return false;
@@ -63,7 +61,7 @@ bool ReadCommandLine(int argc, const char** argv, VOSTRAND_CONTEXT& record, Sett
     case 3:
       return ReadPair(argv[1], argv[2], record, settings);
     default:
-      return ReadFullForm(given, argv, record, settings);
+      return ReadFullForm(argv ? argc : 0, argv, record, settings);
   }
 }
 
@@ -72,7 +70,7 @@ bool OpenLog(VOSTRAND_CONTEXT& record, const Settings& settings) {
   const UT_STROBJ path = GenerateFilePath(record.workDir, settings.logFile);
   log = ut_file->add_ofile(path.getstring(), UT_ACCESS_WRITE, nullptr, 1);
   if (!log) {
-    _ut_userfatal(("Cannot open Log file " + path).getstring(1), &record);
+    _ut_userfatal(("Cannot open Log file " + settings.logFile).getstring(1), &record);
     return false;
   }
   RunLog(log) << "---- Vostrand Tool Log File ----\n";

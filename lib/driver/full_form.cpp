@@ -1,8 +1,9 @@
 #include "driver/full_form.h"
 
-#include <cstdlib>
 #include <limits>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "context/exit.h"
 #include "context/globals.h"
@@ -11,7 +12,6 @@
 #include "support/file_names.h"
 #include "ut/cmdargs.h"
 #include "ut/filemanager.h"
-#include "ut/format.h"
 #include "ut/typed_arrays.h"
 
 namespace orlo::vostrand_lib {
@@ -23,12 +23,11 @@ namespace {
 // A private copy of the argument vector, closed by a null pointer.
 struct ArgumentCopy {
   ArgumentCopy(int argc, const char* const* argv) {
-    for (int i = 0; i < argc; ++i) *static_cast<char**>(names.getaddr(i)) = ut_strdup(argv[i]);
+    for (int i = 0; i < argc; ++i) texts.emplace_back(argv[i] ? argv[i] : "");
+    for (std::string& text : texts) *static_cast<char**>(names.getaddr(names.count)) = text.data();
     *static_cast<char**>(names.getaddr(names.count)) = nullptr;
   }
-  ~ArgumentCopy() {
-    for (long i = 0; i < names.count; ++i) std::free(names.data[i]);
-  }
+  std::vector<std::string> texts;
   DARRAY_NAME names;
 };
 

@@ -22,10 +22,6 @@ namespace {
 
 constexpr std::uint32_t most_runs = 99;
 
-bool Has(const UT_STROBJ& line, const char* option) {
-  return line.view().find(option) != std::string_view::npos;
-}
-
 UT_STROBJ Decimal(std::int64_t value) {
   return std::to_string(value).c_str();
 }
@@ -37,9 +33,8 @@ std::int32_t NumberOf(const UT_STROBJ& line, const char* option) {
   return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, limits::min(), limits::max()));
 }
 
-bool Fatal(VOSTRAND_CONTEXT& record, const char* format, const UT_STROBJ& name) {
-  const std::string text = std::string(format) + " " + name.getstring();
-  _ut_userfatal(text.c_str(), &record);
+bool Fatal(VOSTRAND_CONTEXT& record, const char* failure, const UT_STROBJ& name) {
+  _ut_userfatal((UT_STROBJ(failure) + " " + name).getstring(1), &record);
   return false;
 }
 
@@ -52,16 +47,16 @@ bool RefuseRunCount(VOSTRAND_CONTEXT& record) {
 // Learns the options of one line and puts in what the tool itself decides. Options count in the order of the
 // lines: an "-s" in front of the "-n" gets the count known there. False when the line asks for too many runs.
 bool TakeLine(UT_STROBJ& line, ParOptions& options, MParRunInfo& runInfo) {
-  if (Has(line, "-n ")) {
+  if (line.contains("-n ")) {
     runInfo.multiRun = true;
     options.runCount = NumberOf(line, "-n ");
   }
   if (static_cast<std::uint32_t>(options.runCount) > most_runs) return false;
   options.runCount = std::max(options.runCount, 1);
-  if (Has(line, "-l ")) options.level = GetOptionValue(line, "-l ");
-  if (Has(line, "-t ")) options.firstCostTable = NumberOf(line, "-t ");
+  if (line.contains("-l ")) options.level = GetOptionValue(line, "-l ");
+  if (line.contains("-t ")) options.firstCostTable = NumberOf(line, "-t ");
   ReplaceOption(line, "-s ", Decimal(options.runCount));
-  if (Has(line, "-stopzero")) {
+  if (line.contains("-stopzero")) {
     runInfo.stopAtZero = true;
     ReplaceOption(line, "-stopzero", "");
   }
@@ -92,6 +87,8 @@ bool ReadParCommandFile(VOSTRAND_CONTEXT& record, const UT_STROBJ& name, ParOpti
     if (!lines.is_open()) return Fatal(record, cannot_open, name);
     const auto take = [&](UT_STROBJ& line) { return TakeLine(line, options, record.selfContext->runInfo); };
     if (!ChangeLines(lines, text, take)) return RefuseRunCount(record);
+    // Half a file must never be written over the whole one.
+    if (lines.failed()) return Fatal(record, "Cannot read Par command file", name);
   }
   switch (ut_rewrite_file(path.getstring(), text)) {
     case ut_rewrite_result::done:
@@ -111,7 +108,10 @@ UT_STROBJ TempParCommandFile(const UT_STROBJ& name, int index) {
 bool CopyParCommandFile(VOSTRAND_CONTEXT& record, const UT_STROBJ& name, const UT_STROBJ& temp_name) {
   const UT_STROBJ path = GenerateFilePath(record.workDir, name);
   const UT_STROBJ temp_path = GenerateFilePath(record.workDir, temp_name);
-  ut_file->copy(path.getstring(), temp_path.getstring());
+  // A copy that came to an end halfway would send the tool off with half of the user's options. Without an
+  // original a copy that an earlier run left is used.
+  if (!ut_file->copy(path.getstring(), temp_path.getstring()) && ut_file->canread(path.getstring()))
+    ut_file->remove(temp_path.getstring());
   return ut_file->canread(temp_path.getstring()) != 0;
 }
 
@@ -126,12 +126,13 @@ bool RewriteTempParCommandFile(VOSTRAND_CONTEXT& record, const UT_STROBJ& temp_n
     ut_line_reader lines(path.getstring());
     if (!lines.is_open()) return Fatal(record, cannot_open, temp_name);
     ChangeLines(lines, text, [&](UT_STROBJ& line) {
-      has_table = has_table || Has(line, "-t ");
+      has_table = has_table || line.contains("-t ");
       ReplaceOption(line, "-n ", "1");
       ReplaceOption(line, "-t ", table);
       ReplaceOption(line, "-s ", "1");
       return true;
     });
+    if (lines.failed()) return Fatal(record, "Cannot read temp Par command file", temp_name);
   }
   if (!has_table) text.append("-t ").append(table.view()) += '\n';
 

@@ -6,7 +6,6 @@
 #include "context/self_context.h"
 #include "results/stop_at_zero.h"
 #include "support/file_names.h"
-#include "ut/text.h"
 
 namespace orlo::vostrand_lib {
 
@@ -36,11 +35,16 @@ class Planner {
     bool has_temp_file = false;
   };
 
-  UT_STROBJ ParCommand(const Run& run);
-  UT_STROBJ SorvCommand(const Run& run);
+  UT_STROBJ ParCommand(const Run& run) const;
+  UT_STROBJ SorvCommand(const Run& run, const UT_STROBJ& report) const;
+  void NoteNames(const Run& run, const UT_STROBJ& report);
   void AppendCommand(MPAR_SEED& seed, const UT_STROBJ& command);
   void Status(const char* label, const UT_STROBJ& value) {
     run_._ut_status((UT_STROBJ(label) + value).getstring(1));
+  }
+  // What the run's files are called: the run's name among several, the output's for a single one.
+  UT_STROBJ Stem(const Run& run) const {
+    return info_.multiRun ? run.name : WithoutExtension(info_.outputDir);
   }
   // The directory that the place-and-route tool writes this run into.
   UT_STROBJ RunDirectory(const Run& run) const { return info_.outputDir + "/" + run.name + ".dir"; }
@@ -52,34 +56,25 @@ class Planner {
   const ParOptions& options_;
 };
 
-UT_STROBJ Planner::ParCommand(const Run& run) {
+UT_STROBJ Planner::ParCommand(const Run& run) const {
   UT_STROBJ command = "par ";
-  if (run.has_temp_file) {
-    command += "-f " + run.temp_file + " ";
-  } else {
-    run_._ut_status("Temp Par Command file does not exist. Using defaults");
-    command += "-l 5 -i 15 -n 1 -t 1 -s 1 -c 1 ";
-  }
+  command += run.has_temp_file ? "-f " + run.temp_file + " " : "-l 5 -i 15 -n 1 -t 1 -s 1 -c 1 ";
   command += settings_.designFile + " " + (info_.multiRun ? RunDirectory(run) : info_.outputDir) + " ";
   return command + info_.prefFile + " " + settings_.extraOptions + " ";
 }
 
-UT_STROBJ Planner::SorvCommand(const Run& run) {
-  const UT_STROBJ stem = info_.multiRun ? run.name : WithoutExtension(info_.outputDir);
-  UT_STROBJ design = stem + ".ncd";
-  UT_STROBJ report = stem + ".twr";
-  if (HasExtension(info_.outputDir, ".dir")) {
-    design = RunDirectory(run) + "/" + design;
-    report = info_.outputDir + "/" + report;
-  }
-  info_.csvLabels.add(info_.multiRun ? UT_STROBJ(std::to_string(run.cost_table)) : stem);
-  info_.runNames.add(stem);
-  info_.twrFiles.add(report);
-
+UT_STROBJ Planner::SorvCommand(const Run& run, const UT_STROBJ& report) const {
+  const UT_STROBJ design = info_.multiRun ? RunDirectory(run) + "/" + run.name + ".ncd" : Stem(run) + ".ncd";
   UT_STROBJ command = "sorv ";
   if (!settings_.timingCommandFile.empty()) command += "-f " + settings_.timingCommandFile + " ";
   const UT_STROBJ& preferences = info_.tracePrefFile.empty() ? info_.prefFile : info_.tracePrefFile;
   return command + "-o " + report + " " + design + " " + preferences + " " + settings_.extraOptions + " ";
+}
+
+void Planner::NoteNames(const Run& run, const UT_STROBJ& report) {
+  info_.csvLabels.add(info_.multiRun ? UT_STROBJ(std::to_string(run.cost_table)) : Stem(run));
+  info_.runNames.add(Stem(run));
+  info_.twrFiles.add(report);
 }
 
 void Planner::AppendCommand(MPAR_SEED& seed, const UT_STROBJ& command) {
@@ -93,12 +88,13 @@ void Planner::AppendCommand(MPAR_SEED& seed, const UT_STROBJ& command) {
 bool Planner::AppendRun(int index) {
   Run run;
   run.cost_table = std::int64_t{options_.firstCostTable} + index;
-  run.name = UT_STROBJ(ut_trimmed(options_.level.view())) + "_" + std::to_string(run.cost_table).c_str();
+  run.name = options_.level.trimmed() + "_" + std::to_string(run.cost_table).c_str();
   run.temp_file = TempParCommandFile(settings_.parCommandFile, index);
   run.has_temp_file = CopyParCommandFile(record_, settings_.parCommandFile, run.temp_file);
 
   MPAR_SEED seed;
   seed.name = run.name.view();
+  if (!run.has_temp_file) run_._ut_status("Temp Par Command file does not exist. Using defaults");
   AppendCommand(seed, ParCommand(run));
   Status("Output design is: ", info_.outputName);
   Status("Output DIR    is: ", ".");
@@ -111,18 +107,21 @@ bool Planner::AppendRun(int index) {
     check.callback = CheckStopAtZero;
     seed.steps.push_back(std::move(check));
   }
-  if (!info_.noTiming) AppendCommand(seed, SorvCommand(run));
+  if (!info_.noTiming) {
+    const UT_STROBJ report = (info_.multiRun ? info_.outputDir + "/" : UT_STROBJ()) + Stem(run) + ".twr";
+    NoteNames(run, report);
+    AppendCommand(seed, SorvCommand(run, report));
+  }
   record_.seeds.push_back(std::move(seed));
   return true;
 }
 
 }  // namespace
 
-bool AppendPlan(VOSTRAND_CONTEXT& record, const Settings& settings, const ParOptions& options) {
+void AppendPlan(VOSTRAND_CONTEXT& record, const Settings& settings, const ParOptions& options) {
   Planner planner(record, settings, options);
   for (int i = 0; i < options.runCount; ++i)
-    if (!planner.AppendRun(i)) return false;
-  return true;
+    if (!planner.AppendRun(i)) return;
 }
 
 }  // namespace orlo::vostrand_lib

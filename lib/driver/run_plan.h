@@ -7,9 +7,9 @@
 namespace orlo::vostrand_lib {
 
 /// Appends one seed per place-and-route run to the record, writes each run's temporary par command file, and
-/// notes in the run information the names that the report needs. False, with a fatal message, when a
-/// temporary file cannot be rewritten; the seeds in front of that run stay.
-bool AppendPlan(kelpn::mparrunner::VOSTRAND_CONTEXT& record, const Settings& settings,
+/// notes in the run information the names that the report needs. A temporary file that cannot be rewritten
+/// ends the plan with a fatal message; the seeds in front of that run stay.
+void AppendPlan(kelpn::mparrunner::VOSTRAND_CONTEXT& record, const Settings& settings,
                 const ParOptions& options);
 
 }  // namespace orlo::vostrand_lib

@@ -42,7 +42,7 @@ struct MPAR_SEED {
   std::vector<STEP> steps;
 };
 
-/// One tool run, owned by the host. It stays at one address from vostrand_main to vostrand_exit.
+/// One tool run, owned by the host.
 struct VOSTRAND_CONTEXT {
   /// The host's logger, not owned; null means standard output and standard error.
   ILogger* logger = nullptr;

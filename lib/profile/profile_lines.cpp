@@ -13,7 +13,7 @@ char lower(char c) {
 
 }  // namespace
 
-bool sameName(const char* a, const char* b) {
+bool same_name(const char* a, const char* b) {
   while (*a != '\0' && lower(*a) == lower(*b)) {
     ++a;
     ++b;
@@ -23,7 +23,7 @@ bool sameName(const char* a, const char* b) {
 
 bool LineWalker::next() {
   do {
-    if (fgets(text_, sizeof text_, file_) == nullptr) return false;
+    if (getline(&text_, &text_room_, file_) < 0) return false;
   } while (text_[0] == '\n');
   rmlead(text_);
   rmtrail(text_);
@@ -41,8 +41,9 @@ void LineWalker::classify() {
       kind_ = LineKind::comment;
       break;
     case '[':
-      memcpy(name_, text_, sizeof name_);
-      kind_ = rmbrackets(name_) != 0 ? LineKind::header : LineKind::brokenHeader;
+      kind_ = text_[strlen(text_) - 1] == ']' ? LineKind::header : LineKind::broken_header;
+      stptok(text_ + 1, name_, sizeof name_, "");
+      if (kind_ == LineKind::header && strlen(text_) < sizeof name_) name_[strlen(text_) - 2] = '\0';
       break;
     default:
       kind_ = LineKind::entry;
@@ -51,28 +52,28 @@ void LineWalker::classify() {
   }
 }
 
-bool LineWalker::nextHeader() {
+bool LineWalker::next_header() {
   while (next()) {
     if (kind_ == LineKind::header) return true;
   }
   return false;
 }
 
-bool LineWalker::enterSection(const char* section) {
-  while (nextHeader()) {
-    if (sameName(name_, section)) return true;
+bool LineWalker::enter_section(const char* section) {
+  while (next_header()) {
+    if (same_name(name_, section)) return true;
   }
   return false;
 }
 
-bool LineWalker::nextEntry() {
-  while (next() && !endsSection()) {
+bool LineWalker::next_entry() {
+  while (next() && !ends_section()) {
     if (kind_ == LineKind::entry) return true;
   }
   return false;
 }
 
-const char* LineWalker::takeValue() {
+const char* LineWalker::take_value() {
   char* value = strchr(text_, '=');
   if (value == nullptr) return nullptr;
   ++value;

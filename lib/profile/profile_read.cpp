@@ -8,12 +8,12 @@
 
 namespace {
 
-using orlo::vostrand_lib::profile::lineSize;
 using orlo::vostrand_lib::profile::LineWalker;
-using orlo::vostrand_lib::profile::sameName;
+using orlo::vostrand_lib::profile::name_size;
+using orlo::vostrand_lib::profile::same_name;
 
 /// Room for the keys of one section when all of its entries are asked for.
-constexpr size_t keyListSize = 8192;
+constexpr size_t key_list_size = 8192;
 
 /// A caller's buffer that is filled with strings one after the other and ends with two NULs. Needs a size
 /// of 2.
@@ -50,7 +50,7 @@ struct StringList {
   }
 };
 
-size_t storeText(const char* text, char* buffer, size_t size) {
+size_t store_text(const char* text, char* buffer, size_t size) {
   size_t length = strlen(text);
   if (length >= size) length = size - 1;
   memcpy(buffer, text, length);
@@ -58,68 +58,71 @@ size_t storeText(const char* text, char* buffer, size_t size) {
   return length;
 }
 
-size_t storeDefault(const char* text, char* buffer, size_t size) {
+size_t store_default(const char* text, char* buffer, size_t size) {
   if (text == nullptr) return 0;
-  storeText(text, buffer, size);
+  store_text(text, buffer, size);
   rmlead(buffer);
   rmtrail(buffer);
   rmquotes(buffer);
   return strlen(buffer);
 }
 
-size_t readValue(FILE* file, const char* section, const char* key, const char* defaultValue, char* buffer,
-                 size_t size) {
+size_t read_value(FILE* file, const char* section, const char* key, const char* defaultValue, char* buffer,
+                  size_t size) {
   LineWalker lines(file);
-  bool found = lines.enterSection(section) && lines.nextEntry();
-  while (found && !sameName(lines.name(), key)) found = lines.nextEntry();
+  bool found = lines.enter_section(section) && lines.next_entry();
+  while (found && !same_name(lines.name(), key)) found = lines.next_entry();
   // The first line with the key decides, even when it has no value and a later one does.
-  const char* value = found ? lines.takeValue() : nullptr;
-  return value != nullptr ? storeText(value, buffer, size) : storeDefault(defaultValue, buffer, size);
+  const char* value = found ? lines.take_value() : nullptr;
+  return value != nullptr ? store_text(value, buffer, size) : store_default(defaultValue, buffer, size);
 }
 
 /// Lists the keys of a section or, with a null section, the names of all sections.
-void collectNames(FILE* file, const char* section, StringList& list) {
+void collect_names(FILE* file, const char* section, StringList& list) {
   LineWalker lines(file);
   if (section == nullptr) {
-    while (lines.nextHeader() && list.add(lines.name())) {
+    while (lines.next_header() && list.add(lines.name())) {
     }
-  } else if (lines.enterSection(section)) {
-    while (lines.nextEntry() && list.add(lines.name())) {
+  } else if (lines.enter_section(section)) {
+    while (lines.next_entry() && list.add(lines.name())) {
     }
   }
 }
 
-size_t readNames(FILE* file, const char* section, const char* defaultValue, char* buffer, size_t size) {
+size_t read_names(FILE* file, const char* section, const char* defaultValue, char* buffer, size_t size) {
   if (size < 2) return 0;
   StringList list{buffer, size};
-  collectNames(file, section, list);
+  collect_names(file, section, list);
   if (list.full) return size - 2;
-  return list.used > 0 ? list.used - 1 : storeDefault(defaultValue, buffer, size);
+  return list.used > 0 ? list.used - 1 : store_default(defaultValue, buffer, size);
 }
 
-/// Adds "key=value". False when the list is closed by it.
-bool addEntry(StringList& list, const char* key, const char* value) {
-  char entry[2 * lineSize];
-  const size_t keyLength = strlen(key);
-  memcpy(entry, key, keyLength);
-  entry[keyLength] = '=';
-  strcpy(entry + keyLength + 1, value);
+/// Adds "key=value". False when the list is closed by it; where in the entry the room ends makes no
+/// difference.
+bool add_entry(StringList& list, const char* key, const char* value) {
+  char entry[2 * name_size];
+  const size_t key_length = strlen(key);
+  memcpy(entry, key, key_length);
+  entry[key_length] = '=';
+  strcpy(entry + key_length + 1, value);
   return list.add(entry);
 }
 
-size_t readEntries(FILE* file, const char* section, char* buffer, size_t size) {
-  char keyBuffer[keyListSize];
-  StringList keys{keyBuffer, sizeof keyBuffer};
-  collectNames(file, section, keys);
+size_t read_entries(FILE* file, const char* section, char* buffer, size_t size) {
+  char key_buffer[key_list_size];
+  StringList keys{key_buffer, sizeof key_buffer};
+  collect_names(file, section, keys);
+
+  // One empty key makes a list that reads like none.
+  if (keys.used < 2) return 0;
 
   StringList entries{buffer, size};
-  char value[lineSize];
-  for (const char* key = keyBuffer; key < keyBuffer + keys.used; key += strlen(key) + 1) {
+  char value[name_size];
+  for (const char* key = key_buffer; key < key_buffer + keys.used; key += strlen(key) + 1) {
     // Each value is looked up from the start, so that a key gives here what it gives when asked for alone.
     rewind(file);
-    value[0] = '\0';
-    readValue(file, section, key, "", value, sizeof value);
-    if (!addEntry(entries, key, value)) return size - 2;
+    read_value(file, section, key, "", value, sizeof value);
+    if (!add_entry(entries, key, value)) return size - 2;
   }
   return entries.used;
 }
@@ -132,20 +135,20 @@ size_t GetPrivateProfileString(const char* section, const char* key, const char*
   buffer[0] = '\0';
   FILE* opened = fopen(file, "re");
   if (opened == nullptr) return 0;
-  const bool oneValue = section != nullptr && key != nullptr;
-  const size_t count = oneValue ? readValue(opened, section, key, defaultValue, buffer, size)
-                                : readNames(opened, section, defaultValue, buffer, size);
+  const bool one_value = section != nullptr && key != nullptr;
+  const size_t count = one_value ? read_value(opened, section, key, defaultValue, buffer, size)
+                                 : read_names(opened, section, defaultValue, buffer, size);
   fclose(opened);
   return count;
 }
 
 int GetPrivateProfileInt(const char* section, const char* key, int defaultValue, const char* file) {
   if (section == nullptr || key == nullptr) return defaultValue;
-  char text[lineSize];
+  char text[name_size];
   if (GetPrivateProfileString(section, key, "", text, sizeof text, file) == 0) return defaultValue;
   const int number = static_cast<int>(static_cast<uint32_t>(strtol(text, nullptr, 10)));
-  const bool writtenZero = strcmp(text, "0") == 0 || strncmp(text, "00", 2) == 0;
-  return number != 0 || writtenZero ? number : defaultValue;
+  const bool written_zero = strcmp(text, "0") == 0 || strncmp(text, "00", 2) == 0;
+  return number != 0 || written_zero ? number : defaultValue;
 }
 
 size_t GetPrivateProfileSection(const char* section, char* buffer, size_t size, const char* file) {
@@ -154,7 +157,7 @@ size_t GetPrivateProfileSection(const char* section, char* buffer, size_t size, 
   if (section == nullptr || file == nullptr || size < 2) return 0;
   FILE* opened = fopen(file, "re");
   if (opened == nullptr) return 0;
-  const size_t count = readEntries(opened, section, buffer, size);
+  const size_t count = read_entries(opened, section, buffer, size);
   fclose(opened);
   return count;
 }

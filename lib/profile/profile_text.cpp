@@ -45,16 +45,16 @@ int rmbrackets(char* s) {
   return removePair(s, '[', ']');
 }
 
-const char* stptok(const char* s, char* token, size_t tokenSize, const char* delimiters) {
+const char* stptok(const char* s, char* token, size_t token_size, const char* delimiters) {
   if (s == nullptr || token == nullptr || delimiters == nullptr || *s == '\0') return nullptr;
-  if (tokenSize < 2) {
+  if (token_size < 2) {
     *token = '\0';
     return s;
   }
 
   size_t length = strcspn(s, delimiters);
-  const bool cut = length >= tokenSize - 1;
-  if (cut) length = tokenSize - 1;
+  const bool cut = length >= token_size - 1;
+  if (cut) length = token_size - 1;
   memcpy(token, s, length);
   token[length] = '\0';
   s += length;

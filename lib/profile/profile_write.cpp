@@ -6,7 +6,7 @@ namespace {
 
 using orlo::vostrand_lib::profile::LineKind;
 using orlo::vostrand_lib::profile::LineWalker;
-using orlo::vostrand_lib::profile::sameName;
+using orlo::vostrand_lib::profile::same_name;
 
 /// One change to a file, made while its lines pass by. Without a key the section goes, without a value the
 /// key.
@@ -22,32 +22,32 @@ class Change {
       if (keeps(line, to)) fprintf(to, "%s\n", line.text());
     }
     if (!found_ && key_ != nullptr) fprintf(to, "[%s]\n", section_);
-    return done_ || writeEntry(to);
+    return done_ || write_entry(to);
   }
 
  private:
   bool keeps(const LineWalker& line, FILE* to) {
     if (done_) return true;
-    if (found_) return keepsInSection(line, to);
-    found_ = line.kind() == LineKind::header && sameName(line.name(), section_);
+    if (found_) return keeps_in_section(line, to);
+    found_ = line.kind() == LineKind::header && same_name(line.name(), section_);
     return !found_ || key_ != nullptr;
   }
 
-  bool keepsInSection(const LineWalker& line, FILE* to) {
-    if (line.endsSection()) {
-      writeEntry(to);
+  bool keeps_in_section(const LineWalker& line, FILE* to) {
+    if (line.ends_section()) {
+      write_entry(to);
       done_ = true;
       return true;
     }
     if (line.kind() == LineKind::comment) return true;
     if (key_ == nullptr) return false;
-    done_ = line.kind() == LineKind::entry && sameName(line.name(), key_);
-    if (done_) writeEntry(to);
+    done_ = line.kind() == LineKind::entry && same_name(line.name(), key_);
+    if (done_) write_entry(to);
     return !done_;
   }
 
   /// False when the change is a deletion, which has nothing to write.
-  bool writeEntry(FILE* to) {
+  bool write_entry(FILE* to) {
     if (key_ == nullptr || value_ == nullptr) return false;
     fprintf(to, "%s=%s\n", key_, value_);
     return true;
@@ -61,24 +61,24 @@ class Change {
 };
 
 /// Closing flushes, so that a full disk may show only then.
-bool closeWritten(FILE* file) {
+bool close_written(FILE* file) {
   const bool good = ferror(file) == 0;
   return fclose(file) == 0 && good;
 }
 
-bool createFile(const char* section, const char* key, const char* value, const char* file) {
+bool create_file(const char* section, const char* key, const char* value, const char* file) {
   FILE* to = fopen(file, "we");
   if (to == nullptr) return false;
   fprintf(to, "[%s]\n%s=%s\n", section, key, value);
-  return closeWritten(to);
+  return close_written(to);
 }
 
-bool writeOver(const char* file, FILE* text) {
+bool write_over(const char* file, FILE* text) {
   FILE* to = fopen(file, "wbe");
   if (to == nullptr) return false;
   rewind(text);
   filecopy(to, text);
-  return closeWritten(to) && ferror(text) == 0;
+  return close_written(to) && ferror(text) == 0;
 }
 
 }  // namespace
@@ -87,7 +87,7 @@ int WritePrivateProfileString(const char* section, const char* key, const char* 
   if (section == nullptr || file == nullptr) return 0;
   FILE* from = fopen(file, "r+e");
   if (from == nullptr) {
-    return key != nullptr && value != nullptr && createFile(section, key, value, file) ? 1 : 0;
+    return key != nullptr && value != nullptr && create_file(section, key, value, file) ? 1 : 0;
   }
   FILE* text = tmpfile();
   if (text == nullptr) {
@@ -98,7 +98,7 @@ int WritePrivateProfileString(const char* section, const char* key, const char* 
   // Opening the file for writing empties it, so the new text has to be complete by now.
   const bool complete = ferror(from) == 0 && fflush(text) == 0 && ferror(text) == 0;
   fclose(from);
-  const bool written = complete && writeOver(file, text);
+  const bool written = complete && write_over(file, text);
   fclose(text);
   return written && changed ? 1 : 0;
 }

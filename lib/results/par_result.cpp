@@ -11,9 +11,10 @@
 namespace orlo::vostrand_lib {
 namespace {
 
-enum column { level_cost = 0, saved_mark = 1, timing_score = 4, status = 8, columns = 9 };
+enum column : std::size_t { level_cost = 0, saved_mark = 1, timing_score = 4, status = 8 };
+constexpr std::size_t columns_read = 9;
 
-using Tokens = std::array<std::string_view, columns>;
+using Tokens = std::array<std::string_view, columns_read>;
 
 // The row's first nine tokens; nothing when it has fewer.
 std::optional<Tokens> SplitRow(std::string_view row) {

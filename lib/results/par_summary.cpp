@@ -1,5 +1,6 @@
 #include "results/par_summary.h"
 
+#include "context/message_line.h"
 #include "context/messages.h"
 #include "ut/filemanager.h"
 
@@ -8,8 +9,7 @@ namespace orlo::vostrand_lib {
 void OutputParRpt(ParScoreVal* results, int count, int* order, const UT_STROBJ& path) {
   const ut_stream_handle file = ut_open_stream(path.getstring(), UT_ACCESS_WRITE);
   if (!file) {
-    _ut_status(
-        UT_STROBJ().str_format("Unable to write summary par file \"%s\".", path.getstring()).getstring(1));
+    _ut_status(AboutFile("Unable to write summary par file", path).getstring(1));
     return;
   }
   *file << "VOSTRAND: MultiPar and Trace Run Manager Tool\n\n";

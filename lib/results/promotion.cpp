@@ -9,9 +9,10 @@ namespace orlo::vostrand_lib {
 namespace {
 
 void Move(const UT_STROBJ& from, const UT_STROBJ& to) {
-  // A sub-directory has no copy that could take the place of a file of its name.
-  if (!ut_file->isfile(from.getstring())) return;
-  if (ut_file->exist(to.getstring())) ut_file->remove(to.getstring());
+  // What cannot be copied, a sub-directory for one, must not cost the file of its name.
+  if (!ut_file->isfile(from.getstring()) || !ut_file->canread(from.getstring())) return;
+  // A link goes too, even one that leads nowhere: the copy must lie here, not at its other end.
+  if (ut_file->exist(to.getstring()) || ut_file->islink(to.getstring())) ut_file->remove(to.getstring());
   if (ut_file->copy(from.getstring(), to.getstring())) ut_file->remove(from.getstring());
 }
 
@@ -20,6 +21,7 @@ void Move(const UT_STROBJ& from, const UT_STROBJ& to) {
 void CopySeedResult(const UT_STROBJ& targetDir, const UT_STROBJ& runDir) {
   ut_file->statusWord = 0;
   if (!ut_file->isdir(runDir.getstring())) return;
+  if (ut_file->issame(runDir.getstring(), targetDir.getstring())) return;  // Every file is its own target.
   UT_DIR listing(runDir.getstring(), 1);
   while (const char* const name = listing.getnextfile(nullptr))
     Move(runDir + "/" + name, targetDir + "/" + name);

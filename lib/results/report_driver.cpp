@@ -38,6 +38,7 @@ class Report {
         scores_(seeds_.size()),
         results_(seeds_.size()) {}
 
+  std::size_t RunCount() const { return results_.size(); }
   // Weights from the trace preference file, or from the preference file where that one is missing or has
   // none.
   void ReadWeights();
@@ -51,11 +52,13 @@ class Report {
 
  private:
   UT_STROBJ PathOf(const UT_STROBJ& name) const { return GenerateFilePath(work_dir_, name); }
+  // Only an accepted plan has an output; the record may hold seeds of an earlier one beside a refused one.
+  bool HasOutput() const { return !info_.outputName.empty(); }
   int FinishedCount() const { return static_cast<int>(finished_.size()); }
   void LogCommands(const MPAR_SEED& seed);
   void Score(std::size_t index);
 
-  const std::vector<MPAR_SEED>& seeds_;
+  const std::vector<MPAR_SEED> seeds_;  // A copy: the host may add seeds while it hears a message.
   self_context& run_;
   MParRunInfo& info_;
   RunLog log_;
@@ -86,8 +89,7 @@ void Report::TakeRun(std::size_t index) {
   LogCommands(seed);
   ParScoreVal& result = results_[index];
   result.name = UT_STROBJ(seed.name);
-  // A record that an earlier call left full of seeds may come with a run that was refused: it has no output.
-  if (!output_dir_path_.empty()) {
+  if (HasOutput()) {
     // The result is read before the run's directory is gathered, which may bring another file of that name.
     result.valid = GetParResult(RunFile(output_dir_path_, result.name, ".par"), result);
     CopySeedResult(output_dir_path_, RunFile(output_dir_path_, result.name, ".dir"));
@@ -124,7 +126,7 @@ void Report::OrderRuns() {
 }
 
 void Report::Promote() {
-  if (!info_.multiRun) return;
+  if (!info_.multiRun || !HasOutput()) return;
   const UT_STROBJ summary_path = WithoutExtension(output_dir_path_) + ".par";
   OutputParRpt(results_.data(), FinishedCount(), finished_.data(), summary_path);
   if (finished_.empty()) return;
@@ -143,7 +145,7 @@ int vostrand_report(orlo::kelpn::mparrunner::VOSTRAND_CONTEXT* context) {
       [&] {
         Report report(*context, *run);
         report.ReadWeights();
-        for (std::size_t i = 0; i < context->seeds.size(); ++i) report.TakeRun(i);
+        for (std::size_t i = 0; i < report.RunCount(); ++i) report.TakeRun(i);
         report.OrderRuns();
         report.Promote();
         report.FlushLog();

@@ -4,6 +4,7 @@
 #include "context/thread_context.h"
 #include "results/par_result.h"
 #include "results/run_files.h"
+#include "support/file_names.h"
 
 namespace orlo::vostrand_lib {
 
@@ -14,8 +15,8 @@ namespace {
 bool MetTiming(const char* runName, const VOSTRAND_CONTEXT& context, const MParRunInfo& runInfo) {
   ParScoreVal result;
   result.name = runName;
-  const UT_STROBJ outputDirPath = GenerateFilePath(context.workDir, runInfo.outputDir);
-  return GetParResult(RunFile(outputDirPath, runName, ".par"), result) && result.score == 0;
+  const UT_STROBJ output_dir_path = GenerateFilePath(context.workDir, runInfo.outputDir);
+  return GetParResult(RunFile(output_dir_path, runName, ".par"), result) && result.score == 0;
 }
 
 }  // namespace

@@ -9,8 +9,7 @@ int GetWPDefaultValFilePath(UT_STROBJ&) {
   return 0;
 }
 
-void GetDefaultWPValueFromFile(UT_STROBJ iniPath, std::map<UT_STROBJ, WPValue>& weights,
-                               self_context* context) {
+void GetDefaultWPValueFromFile(UT_STROBJ iniPath, WeightsMap& weights, self_context* context) {
   const char* const file = iniPath.getstring();
   context->defaultWeight = GetPrivateProfileInt("default", "w", 1, file);
   context->defaultPenalty = GetPrivateProfileInt("default", "p", 1, file);

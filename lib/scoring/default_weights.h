@@ -1,7 +1,5 @@
 #pragma once
 
-#include <map>
-
 #include "context/self_context.h"
 #include "context/weights.h"
 #include "export.h"
@@ -17,7 +15,6 @@ VOSTRAND_API int GetWPDefaultValFilePath(UT_STROBJ& path);
 
 /// Fills the run's overall defaults and the four kind entries of `weights` from the file; every value of a
 /// file that cannot be opened is its default. Other entries stay. Nothing is reported.
-VOSTRAND_API void GetDefaultWPValueFromFile(UT_STROBJ iniPath, std::map<UT_STROBJ, WPValue>& weights,
-                                            self_context* context);
+VOSTRAND_API void GetDefaultWPValueFromFile(UT_STROBJ iniPath, WeightsMap& weights, self_context* context);
 
 }  // namespace orlo::vostrand_lib

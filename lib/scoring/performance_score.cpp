@@ -1,7 +1,6 @@
 #include "scoring/performance_score.h"
 
-#include "scoring/preference_file.h"
-#include "ut/text.h"
+#include "scoring/preference_weights.h"
 
 namespace orlo::vostrand_lib {
 namespace {
@@ -21,10 +20,9 @@ Contribution Contribute(const PrfResultVal& result, const WPValue& weights) {
 
 }  // namespace
 
-PSScoreInfo GetPSScore(UT_STROBJ twrPath, std::map<UT_STROBJ, PrfResultVal>& prfResults,
-                       std::map<UT_STROBJ, WPValue> weights) {
+PSScoreInfo GetPSScore(UT_STROBJ twrPath, ResultsMap& prfResults, WeightsMap weights) {
   PSScoreInfo run;
-  run.timingScore = UT_STROBJ(ut_trimmed(GetPrfResultVal(twrPath, prfResults).view()));
+  run.timingScore = GetPrfResultVal(twrPath, prfResults).trimmed();
   UT_STROBJ text;
   for (auto& [name, result] : prfResults) {
     const Contribution part = Contribute(result, GetWPByPrfName(name, result.type, weights));

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <map>
-
 #include "context/weights.h"
 #include "export.h"
 #include "results/par_ranking.h"
@@ -26,8 +24,7 @@ struct PSScoreInfo {
 /// ns it is multiplied by the preference's weight, missed by more by its penalty, and nothing otherwise.
 /// Completes `reportRows` of every record with the factor and the contribution. A report that cannot be
 /// opened is reported and gives timing score "0".
-VOSTRAND_API PSScoreInfo GetPSScore(UT_STROBJ twrPath, std::map<UT_STROBJ, PrfResultVal>& prfResults,
-                                    std::map<UT_STROBJ, WPValue> weights);
+VOSTRAND_API PSScoreInfo GetPSScore(UT_STROBJ twrPath, ResultsMap& prfResults, WeightsMap weights);
 
 /// Reorders `order[0..count-1]`, indices into both tables: highest score first, equal scores by
 /// place-and-route result, ties as they were.

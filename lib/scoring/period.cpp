@@ -20,13 +20,9 @@ float ThousandthsBefore(const UT_STROBJ& text, unsigned long unit_length) {
 
 }  // namespace
 
-bool HasUnit(const UT_STROBJ& text, const char* unit) {
-  return text.view().find(unit) != std::string_view::npos;
-}
-
 float GetStandardPeriod(const UT_STROBJ* text) {
-  if (HasUnit(*text, "ns")) return ThousandthsBefore(*text, 3);
-  if (!HasUnit(*text, "MHz")) return 0.0F;
+  if (text->contains("ns")) return ThousandthsBefore(*text, 3);
+  if (!text->contains("MHz")) return 0.0F;
   const float frequency = ThousandthsBefore(*text, 4);
   const auto wide = static_cast<double>(frequency);
   const bool counts_as_zero = wide >= -0.01 && wide <= 0.001;

@@ -11,7 +11,4 @@ namespace orlo::vostrand_lib {
 /// decimals: it is read as a whole count of thousandths, in 32-bit arithmetic.
 VOSTRAND_API float GetStandardPeriod(const UT_STROBJ* text);
 
-/// True when `text` holds the unit.
-bool HasUnit(const UT_STROBJ& text, const char* unit);
-
 }  // namespace orlo::vostrand_lib

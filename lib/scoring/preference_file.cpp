@@ -1,8 +1,11 @@
 #include "scoring/preference_file.h"
 
+#include <limits>
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "context/message_line.h"
 #include "context/messages.h"
 #include "scoring/annotation.h"
 #include "scoring/preference_name.h"
@@ -15,7 +18,7 @@ namespace {
 
 // The next statement whole, its comment included, trimmed. Blank lines and comment lines take no part; a ";"
 // in a comment ends a statement like any other. An unfinished statement at the end of the file is none.
-bool next_statement(ut_line_reader& lines, std::string& statement) {
+bool NextStatement(ut_line_reader& lines, std::string& statement) {
   statement.clear();
   for (std::string_view line; lines.next(line);) {
     if (ut_trimmed(line.substr(0, line.find('#'))).empty()) continue;
@@ -28,42 +31,37 @@ bool next_statement(ut_line_reader& lines, std::string& statement) {
 }
 
 // Narrowed to 32 bits before it is multiplied: scores must come out the same to the last digit.
-float factor(std::string_view number) {
+static_assert(std::numeric_limits<float>::is_iec559, "a number too large is infinite");
+float ToFactor(std::string_view number) {
   return static_cast<float>(ut_leading_decimal(number));
 }
 
-bool record(const Annotation& annotation, std::map<UT_STROBJ, WPValue>& weights) {
+bool RecordAnnotation(const Annotation& annotation, WeightsMap& weights) {
   const UT_STROBJ preference(annotation.preference);
   const UT_STROBJ kind = GetPrfItemType(preference);
   if (kind.empty()) return false;
   WPValue& own = weights[GetCleanedItemName(preference)];  // A kind's bare name is the kind's default itself.
   const WPValue& kind_default = weights[kind];
   own = kind_default;
-  if (annotation.weight) own.weight = factor(*annotation.weight) * kind_default.weight;
-  if (annotation.penalty) own.penalty = factor(*annotation.penalty) * kind_default.penalty;
+  if (annotation.weight) own.weight = ToFactor(*annotation.weight) * kind_default.weight;
+  if (annotation.penalty) own.penalty = ToFactor(*annotation.penalty) * kind_default.penalty;
   return true;
 }
 
 }  // namespace
 
-int GetWPFromPrf(UT_STROBJ prfPath, std::map<UT_STROBJ, WPValue>& weights) {
+int GetWPFromPrf(UT_STROBJ prfPath, WeightsMap& weights) {
   ut_line_reader lines(prfPath.getstring());
   if (!lines.is_open()) {
-    _ut_error(
-        UT_STROBJ().str_format("Unable to open preference file \"%s\".", prfPath.getstring()).getstring(1));
+    _ut_error(AboutFile("Unable to open preference file", prfPath).getstring(1));
     return 0;
   }
   int count = 0;
-  for (std::string statement; next_statement(lines, statement);) {
+  for (std::string statement; NextStatement(lines, statement);) {
     const std::optional<Annotation> annotation = ReadAnnotation(statement);
-    if (annotation && record(*annotation, weights)) ++count;
+    if (annotation && RecordAnnotation(*annotation, weights)) ++count;
   }
   return count;
-}
-
-WPValue GetWPByPrfName(const UT_STROBJ& name, const UT_STROBJ& type, std::map<UT_STROBJ, WPValue>& weights) {
-  const auto own = weights.find(name);
-  return own != weights.end() ? own->second : weights[type];
 }
 
 }  // namespace orlo::vostrand_lib

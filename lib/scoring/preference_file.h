@@ -1,7 +1,5 @@
 #pragma once
 
-#include <map>
-
 #include "context/weights.h"
 #include "export.h"
 #include "ut/strobj.h"
@@ -15,11 +13,6 @@ namespace orlo::vostrand_lib {
 /// replaces an earlier one; a statement that is a kind's bare name changes the kind's default for what
 /// follows. Returns the number of annotated preferences; 0, with an error message through the thread's run,
 /// when the file cannot be opened. Statements that are no annotated preferences are passed over.
-VOSTRAND_API int GetWPFromPrf(UT_STROBJ prfPath, std::map<UT_STROBJ, WPValue>& weights);
-
-/// The weights of the preference `name` (cleaned), or of its kind `type` when it has no entry of its own; a
-/// kind without an entry gets one of zeros.
-VOSTRAND_API WPValue GetWPByPrfName(const UT_STROBJ& name, const UT_STROBJ& type,
-                                    std::map<UT_STROBJ, WPValue>& weights);
+VOSTRAND_API int GetWPFromPrf(UT_STROBJ prfPath, WeightsMap& weights);
 
 }  // namespace orlo::vostrand_lib

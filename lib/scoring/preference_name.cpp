@@ -6,7 +6,7 @@ namespace orlo::vostrand_lib {
 
 UT_STROBJ GetPrfItemType(UT_STROBJ text) {
   for (const char* const kind : preference_kinds)
-    if (text.view().find(kind) != std::string_view::npos) return kind;
+    if (text.contains(kind)) return kind;
   return {};
 }
 

@@ -1,14 +1,15 @@
 #include "scoring/score_report.h"
 
+#include "context/message_line.h"
 #include "context/messages.h"
-#include "scoring/preference_file.h"
 #include "scoring/preference_name.h"
+#include "scoring/preference_weights.h"
 #include "ut/filemanager.h"
 
 namespace orlo::vostrand_lib {
 namespace {
 
-void WriteRunHeading(const std::map<UT_STROBJ, PrfResultVal>& prfResults, UT_STREAM& file) {
+void WriteRunHeading(const ResultsMap& prfResults, UT_STREAM& file) {
   file << "index,iteration,";
   UT_STROBJ cells;
   int n = 0;
@@ -32,12 +33,10 @@ void WriteRunRows(const PSScoreInfo* scores, int count, const int* order, UT_STR
 }  // namespace
 
 void OutputReport(PSScoreInfo* scores, ParScoreVal* results, int count, int* order, UT_STROBJ& reportPath,
-                  const DARRAY_UT_STROBJ& csvLabels, const std::map<UT_STROBJ, PrfResultVal>& prfResults,
-                  std::map<UT_STROBJ, WPValue>& weights, int) {
+                  const DARRAY_UT_STROBJ& csvLabels, const ResultsMap& prfResults, WeightsMap& weights, int) {
   const ut_stream_handle file = ut_open_stream(reportPath.getstring(), UT_ACCESS_WRITE);
   if (!file) {
-    _ut_status(
-        UT_STROBJ().str_format("Unable to write report file \"%s\".", reportPath.getstring()).getstring(1));
+    _ut_status(AboutFile("Unable to write report file", reportPath).getstring(1));
     return;
   }
   *file << "---- Vostrand Report File ----\n";
@@ -50,10 +49,9 @@ void OutputReport(PSScoreInfo* scores, ParScoreVal* results, int count, int* ord
   *file << "\n" << ut_element(csvLabels, static_cast<unsigned long>(order[0])).getstring() << " is the best.";
 }
 
-void OutputRptHead(const std::map<UT_STROBJ, PrfResultVal>& prfResults, std::map<UT_STROBJ, WPValue>& weights,
-                   UT_STREAM* stream) {
-  *stream << ","
-          << "prefrence,,,,,,,constraint,weight,penalty\n";
+void OutputRptHead(const ResultsMap& prfResults, WeightsMap& weights, UT_STREAM* stream) {
+  // Spelled as the programs that read the file expect it.
+  *stream << ",prefrence,,,,,,,constraint,weight,penalty\n";
   UT_STROBJ row;
   int n = 0;
   for (const auto& [name, result] : prfResults) {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <map>
-
 #include "context/weights.h"
 #include "export.h"
 #include "results/par_result.h"
@@ -21,11 +19,9 @@ namespace orlo::vostrand_lib {
 /// number of results, is not read.
 VOSTRAND_API void OutputReport(PSScoreInfo* scores, ParScoreVal* results, int count, int* order,
                                UT_STROBJ& reportPath, const DARRAY_UT_STROBJ& csvLabels,
-                               const std::map<UT_STROBJ, PrfResultVal>& prfResults,
-                               std::map<UT_STROBJ, WPValue>& weights, int);
+                               const ResultsMap& prfResults, WeightsMap& weights, int);
 
 /// Writes the preference heading and one row per preference to `stream`.
-VOSTRAND_API void OutputRptHead(const std::map<UT_STROBJ, PrfResultVal>& prfResults,
-                                std::map<UT_STROBJ, WPValue>& weights, UT_STREAM* stream);
+VOSTRAND_API void OutputRptHead(const ResultsMap& prfResults, WeightsMap& weights, UT_STREAM* stream);
 
 }  // namespace orlo::vostrand_lib

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "context/message_line.h"
 #include "context/messages.h"
 #include "scoring/period.h"
 #include "scoring/preference_name.h"
@@ -28,10 +29,6 @@ constexpr unsigned long actual_from_end = 20;
 // A separator row of 69 characters with its empty columns and line end, and those of the row before it.
 constexpr unsigned long separator_in_rows = 69 + 19 + 19;
 
-UT_STROBJ Trimmed(const UT_STROBJ& text) {
-  return UT_STROBJ(ut_trimmed(text.view()));
-}
-
 // The table's rows of one preference, gathered until its separator row.
 class Entry {
  public:
@@ -55,8 +52,8 @@ void SetActual(PrfResultVal& result, const UT_STROBJ& actual) {
   result.actualText = "-";
   result.unit = "";
   for (const auto& [unit, shown] : {std::pair("ns", "(ns)"), std::pair("MHz", "(MHz)")}) {
-    if (!HasUnit(actual, unit)) continue;
-    result.actualText = Trimmed(actual.left(actual.size() - std::strlen(unit)));
+    if (!actual.contains(unit)) continue;
+    result.actualText = actual.left(actual.size() - std::strlen(unit)).trimmed();
     result.unit = shown;
     break;
   }
@@ -74,8 +71,8 @@ void Entry::StoreIn(ResultsMap& results) const {
   // `left` keeps a text whole that is too short to lose so many characters.
   const UT_STROBJ rows = rows_.left(rows_.size() - separator_in_rows);
   const UT_STROBJ columns = rows.right(constraint_from_end);
-  const UT_STROBJ constraint = Trimmed(columns.left(value_width));
-  const UT_STROBJ actual = Trimmed(columns.right(actual_from_end).left(value_width));
+  const UT_STROBJ constraint = columns.left(value_width).trimmed();
+  const UT_STROBJ actual = columns.right(actual_from_end).left(value_width).trimmed();
   PrfResultVal& result = results[key];
   result.type = kind;
   result.reportRows = rows;
@@ -118,10 +115,10 @@ UT_STROBJ ReadScore(ut_line_reader& lines) {
 
 }  // namespace
 
-UT_STROBJ GetPrfResultVal(UT_STROBJ twrPath, std::map<UT_STROBJ, PrfResultVal>& prfResults) {
+UT_STROBJ GetPrfResultVal(UT_STROBJ twrPath, ResultsMap& prfResults) {
   ut_line_reader lines(twrPath.getstring());
   if (!lines.is_open()) {
-    _ut_error(UT_STROBJ().str_format("Unable to open twr file \"%s\".", twrPath.getstring()).getstring(1));
+    _ut_error(AboutFile("Unable to open twr file", twrPath).getstring(1));
     return "0";
   }
   if (!SkipTo(lines, IsHeading) || !SkipTo(lines, IsRule)) return "0";

@@ -27,6 +27,6 @@ using ResultsMap = std::map<UT_STROBJ, PrfResultVal>;
 /// overwritten, never removed: what a later report does not list keeps the values of the one that last listed
 /// it. Returns the text behind "Score:", untrimmed; "0" when there is none, or, with an error message through
 /// the thread's run, when the file cannot be opened.
-VOSTRAND_API UT_STROBJ GetPrfResultVal(UT_STROBJ twrPath, std::map<UT_STROBJ, PrfResultVal>& prfResults);
+VOSTRAND_API UT_STROBJ GetPrfResultVal(UT_STROBJ twrPath, ResultsMap& prfResults);
 
 }  // namespace orlo::vostrand_lib

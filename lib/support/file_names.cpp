@@ -14,7 +14,7 @@ UT_STROBJ GenerateFilePath(const UT_STROBJ& directory, const UT_STROBJ& name) {
 }
 
 bool HasExtension(const UT_STROBJ& name, const char* extension) {
-  return name.right(4).strcmp(extension) == 0;
+  return name.view().ends_with(extension);
 }
 
 UT_STROBJ WithoutExtension(const UT_STROBJ& name) {

@@ -14,7 +14,7 @@ VOSTRAND_API UT_STROBJ GetCleanFileName(const UT_STROBJ& name);
 /// directory means the current one.
 VOSTRAND_API UT_STROBJ GenerateFilePath(const UT_STROBJ& directory, const UT_STROBJ& name);
 
-/// True when the last four characters of `name` are `extension` (".ncd").
+/// True when `name` ends in `extension` (".ncd").
 bool HasExtension(const UT_STROBJ& name, const char* extension);
 
 /// `name` without its last four characters, the extension; a shorter name stays whole.

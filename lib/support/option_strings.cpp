@@ -1,7 +1,5 @@
 #include "support/option_strings.h"
 
-#include "ut/text.h"
-
 namespace orlo::vostrand_lib {
 
 UT_STROBJ GetOptionValue(const UT_STROBJ& options, const UT_STROBJ& option) {
@@ -10,7 +8,7 @@ UT_STROBJ GetOptionValue(const UT_STROBJ& options, const UT_STROBJ& option) {
   const UT_STROBJ rest = options.cut(0, at + option.size());
   const unsigned long next_option = rest.find_char('-', 0);
   if (next_option >= rest.size()) return rest;
-  return rest.left(next_option).trim_back(ut_trim_set).trim_front(ut_trim_set);
+  return rest.left(next_option).trimmed();
 }
 
 void ReplaceOption(UT_STROBJ& options, const UT_STROBJ& option, const UT_STROBJ& value) {

@@ -5,7 +5,6 @@
 #include <map>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace {
 
@@ -60,18 +59,15 @@ struct UT_CMDARGS::parsed {
     char* value = nullptr;
   };
 
-  std::deque<std::string> texts;  // A deque: its strings stay where they are while it grows.
+  // Deques, whose elements stay where they are: records point to values, callers to positionals.
   std::map<std::string, std::deque<occurrence>, std::less<>> switches;
-  std::vector<char*> positionals;
+  std::deque<char*> positionals;
   UT_STROBJ error;
 
-  char* keep(const char* text) { return texts.emplace_back(text).data(); }
-
-  void add_switch(std::string_view name, const char* value) {
+  void add_switch(std::string_view name, char* value) {
     occurrence& added = switches[std::string(name)].emplace_back();
-    if (!value) return;
-    added.value = keep(value);
-    added.record = {1, &added.value};
+    added.value = value;
+    if (value) added.record = {1, &added.value};
   }
 
   void parse(const grammar& allowed, int argc, char** argv);
@@ -92,7 +88,7 @@ void UT_CMDARGS::parsed::parse(const grammar& allowed, int argc, char** argv) {
       error.str_format("Unknown switch \"%s\".", argv[i]);
       return;
     } else {
-      positionals.push_back(keep(argv[i]));
+      positionals.push_back(argv[i]);
     }
   }
   if (positionals.size() != allowed.positionals)

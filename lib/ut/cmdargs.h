@@ -13,12 +13,13 @@ struct VOSTRAND_API UT_SWITCH {
 
 /// A command line parsed against a synopsis such as "tool {-p <file>} [-rem] <design[.ncd]>": "{...}" marks a
 /// required switch, "[...]" an optional one, "<...>" a value or, on its own, a positional argument. One dash
-/// or two are the same, in the synopsis, on the command line and in getsw. A missing required switch is not
-/// refused: the caller has messages of its own for that. Owns a copy of everything it returns.
+/// or two are the same, in the synopsis, on the command line and in getsw. A value may begin with a dash,
+/// unless it is a switch of the synopsis: then the value is missing. A missing required switch is not
+/// refused: the caller has messages of its own for that.
 class VOSTRAND_API UT_CMDARGS {
  public:
-  /// Parses `argv`, argument 0 included, and calls `usage` when the command line asks for help with "-h".
-  /// `flags` is always 0.
+  /// Parses `argv`, argument 0 included, and calls `usage` when the command line asks for help with "-h",
+  /// wherever it stands. The texts must outlive the parser. `flags` is always 0.
   UT_CMDARGS(int argc, char** argv, const char* synopsis, void (*usage)(), unsigned short flags);
   virtual ~UT_CMDARGS();
   UT_CMDARGS(const UT_CMDARGS&) = delete;

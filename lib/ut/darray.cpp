@@ -73,11 +73,14 @@ long UT_BASE_ARRAY::lower_bound(const void* element, ut_compare compare, bool be
 }
 
 long UT_BASE_ARRAY::insert(long index, const void* element) {
+  // The element may be one of the array, which opening the gap moves.
+  const auto size = static_cast<std::size_t>(element_size_);
+  const std::vector<char> bytes(static_cast<const char*>(element), static_cast<const char*>(element) + size);
   a_shift(index, 1);
   if (operations_.copy)
-    operations_.copy(at(index), element);
+    operations_.copy(at(index), bytes.data());
   else
-    std::memcpy(at(index), element, static_cast<std::size_t>(element_size_));
+    std::memcpy(at(index), bytes.data(), size);
   return index;
 }
 

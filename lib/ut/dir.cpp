@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <memory>
 
+#include "ut/c_locale.h"
+
 UT_DIR::UT_DIR(const char* path, unsigned char) {
   struct close_listing {
     void operator()(DIR* listing) const { ::closedir(listing); }
@@ -23,6 +25,7 @@ UT_DIR::UT_DIR(const char* path, unsigned char) {
 const char* UT_DIR::getnextfile(const char* pattern) {
   while (next_ < names_.size()) {
     const std::string& name = names_[next_++];
+    const ut_c_locale_scope c_locale;
     if (!pattern || ::fnmatch(pattern, name.c_str(), 0) == 0) return name.c_str();
   }
   return nullptr;

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <vector>
 
 #include "ut/system.h"
@@ -31,6 +32,14 @@ struct source_file {
   ut_file_descriptor file;
   struct stat status = {};
 };
+
+// A target that may not be written, such as a read-only file copied there before, makes room for a new one.
+int open_to_replace(const char* path, mode_t mode) {
+  constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC;
+  const int file = ut_open(path, flags, mode);
+  if (file >= 0 || errno != EACCES || ::unlink(path) != 0) return file;
+  return ut_open(path, flags, mode);
+}
 
 // Copies at most `limit` bytes, so that a file that grows while it is read (itself, say) comes to an end.
 bool copy_bytes(int from, int to, off_t limit) {
@@ -84,6 +93,12 @@ int UT_FILEMANAGER::islink(const char* path) {
   return path && ::lstat(path, &status) == 0 && S_ISLNK(status.st_mode);
 }
 
+int UT_FILEMANAGER::issame(const char* a, const char* b) {
+  struct stat first;
+  struct stat second;
+  return status_of(a, first) && status_of(b, second) && same_file(first, second);
+}
+
 int UT_FILEMANAGER::canread(const char* path) {
   if (!path || isdir(path)) return 0;
   return ut_file_descriptor(ut_open(path, O_RDONLY | O_NONBLOCK)).is_open();
@@ -92,9 +107,8 @@ int UT_FILEMANAGER::canread(const char* path) {
 int UT_FILEMANAGER::copy(const char* from, const char* to) {
   source_file source(from);
   if (!source.is_regular() || !to) return 0;
-  struct stat target;
-  if (status_of(to, target) && same_file(source.status, target)) return 1;
-  ut_file_descriptor copied(ut_open(to, O_WRONLY | O_CREAT | O_TRUNC, source.status.st_mode & 0777));
+  if (issame(from, to)) return 1;
+  ut_file_descriptor copied(open_to_replace(to, source.status.st_mode & 0777));
   return copied.is_open() && copy_bytes(source.file.get(), copied.get(), source.status.st_size) &&
          copied.close();
 }

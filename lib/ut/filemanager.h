@@ -29,6 +29,9 @@ class VOSTRAND_API UT_FILEMANAGER {
   /// Non-zero when the path can be opened for reading and is not a directory.
   int canread(const char* path);
 
+  /// Non-zero when both paths lead to one file or directory.
+  int issame(const char* a, const char* b);
+
   /// Copies a regular file, replacing the content of `to`; a new file gets the permissions of `from`. `to`
   /// stays as it is when `from` cannot be read or is the same file.
   int copy(const char* from, const char* to);

@@ -18,8 +18,17 @@ std::string ut_vformat(const char* format, va_list arguments) {
   return text;
 }
 
-char* neoform(const char* format, ...) {
+namespace {
+
+std::string& text_of_this_thread() {
   thread_local std::string text;
+  return text;
+}
+
+}  // namespace
+
+char* neoform(const char* format, ...) {
+  std::string& text = text_of_this_thread();
   va_list arguments;
   va_start(arguments, format);
   text = ut_vformat(format, arguments);

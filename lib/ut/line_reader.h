@@ -11,6 +11,8 @@ class ut_line_reader {
   explicit ut_line_reader(const char* path) : stream_(ut_open_stream(path, UT_ACCESS_READ)) {}
 
   bool is_open() const { return stream_ != nullptr; }
+  /// True when the input ended because the file could not be read on.
+  bool failed() const { return stream_ && stream_->failed(); }
 
   /// The next line. A line of more than 254 characters, line end included, arrives in pieces of 254, each a
   /// line of its own; a piece ends at a NUL that it holds. False at the end of the input; a negative read

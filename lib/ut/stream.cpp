@@ -11,8 +11,9 @@
 bool UT_STREAM::open(const char* path, UT_ACCESS access) {
   close();
   writing_ = access == UT_ACCESS_WRITE;
-  file_ = ut_open(path, writing_ ? O_WRONLY | O_CREAT | O_TRUNC : O_RDONLY);
-  if (file_ >= 0 && ut_is_directory(file_)) close();
+  file_ = ut_open(path, writing_ ? O_WRONLY | O_CREAT | O_TRUNC : O_RDONLY | O_NONBLOCK);
+  // Only regular files are read: a named pipe would be waited for, a device has no end.
+  if (file_ >= 0 && !writing_ && !ut_is_regular(file_)) close();
   if (file_ < 0) return false;
   buffer_.reset(new char[buffer_size]);
   position_ = filled_ = 0;
@@ -27,6 +28,8 @@ bool UT_STREAM::close() {
   const bool closed = ::close(file_) == 0;
   file_ = -1;
   buffer_.reset();
+  position_ = filled_ = 0;
+  failed_ = true;  // Until the next opening.
   return written && closed;
 }
 
@@ -57,7 +60,7 @@ bool UT_STREAM::flush() {
 }
 
 bool UT_STREAM::refill() {
-  const ssize_t n = writing_ ? -1 : ut_read(file_, buffer_.get(), buffer_size);
+  const ssize_t n = writing_ || file_ < 0 ? -1 : ut_read(file_, buffer_.get(), buffer_size);
   position_ = 0;
   filled_ = n > 0 ? static_cast<unsigned long>(n) : 0;
   if (n <= 0) eof = 1;

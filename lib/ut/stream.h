@@ -23,6 +23,9 @@ class VOSTRAND_API UT_STREAM {
   UT_STREAM& write(std::string_view bytes);
   /// Writes the text and a newline.
   void writeline(const char* text);
+  /// True when reading or writing has failed since the opening: what was read is not all, or what was
+  /// written.
+  bool failed() const { return failed_; }
   /// Hands everything written so far to the system. False when any write since the opening failed.
   bool flush();
 

@@ -140,6 +140,10 @@ UT_STROBJ UT_STROBJ::trim_back(const char* set) const {
   return left(ut_trimmed_back(view(), set ? set : "").size());
 }
 
+UT_STROBJ UT_STROBJ::trimmed() const {
+  return trim_back(ut_trim_set).trim_front(ut_trim_set);
+}
+
 UT_STRKEYS UT_STROBJ::match_reg_exp(const UT_REGEXP& pattern, unsigned long start) const {
   return pattern.match(view(), start);
 }

@@ -12,10 +12,9 @@ struct UT_STRKEYS;
 /// Storage shared by the strings that were copied or cut from one another. The characters follow the header
 /// and are always followed by one NUL.
 struct UT_STRBUF {
-  std::uint32_t
-      use_count;       ///< Strings that look into this storage. Plain, not atomic: they stay on one thread.
-  std::uint64_t used;  ///< Bytes in use, header included, closing NUL not.
-  std::uint64_t capacity;  ///< Bytes allocated, header and closing NUL included.
+  std::uint32_t use_count;  ///< Strings that look into this storage; plain, since they stay on one thread.
+  std::uint64_t used;       ///< Bytes in use, header included, closing NUL not.
+  std::uint64_t capacity;   ///< Bytes allocated, header and closing NUL included.
 };
 
 /// A string value whose characters live in shared storage: a copy or a part of a string costs no allocation.
@@ -66,7 +65,8 @@ class VOSTRAND_API UT_STROBJ {
   /// get the same.
   const char* getstring(unsigned char flag = 0) const;
 
-  /// The bytes, without a NUL behind them; valid as long as getstring's result.
+  /// The bytes, without a NUL behind them; valid until the string is next changed, destroyed or asked for its
+  /// NUL-terminated text.
   std::string_view view() const { return {data(), length}; }
   unsigned long size() const { return length; }
   bool empty() const { return length == 0; }
@@ -92,6 +92,9 @@ class VOSTRAND_API UT_STROBJ {
   /// A copy without the leading or trailing characters that occur in `set`.
   UT_STROBJ trim_front(const char* set) const;
   UT_STROBJ trim_back(const char* set) const;
+  /// A copy without blanks, tabs, backspaces and line ends at both ends.
+  UT_STROBJ trimmed() const;
+  bool contains(std::string_view part) const { return view().find(part) != std::string_view::npos; }
 
   /// The first match at or after `start`; its keys are positions in this string.
   UT_STRKEYS match_reg_exp(const UT_REGEXP& pattern, unsigned long start) const;

@@ -13,9 +13,9 @@ int ut_open(const char* path, int flags, mode_t mode) {
   return file;
 }
 
-bool ut_is_directory(int file) {
+bool ut_is_regular(int file) {
   struct stat status;
-  return ::fstat(file, &status) == 0 && S_ISDIR(status.st_mode);
+  return ::fstat(file, &status) == 0 && S_ISREG(status.st_mode);
 }
 
 ssize_t ut_read(int file, char* buffer, std::size_t size) {

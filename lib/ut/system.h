@@ -11,7 +11,7 @@
 /// open(2), with mode `mode` (less the umask) for a file that is made. Returns -1 when it fails.
 int ut_open(const char* path, int flags, mode_t mode = 0666);
 
-bool ut_is_directory(int file);
+bool ut_is_regular(int file);
 
 /// read(2). Returns -1 when it fails.
 ssize_t ut_read(int file, char* buffer, std::size_t size);

@@ -64,6 +64,7 @@ TEST_F(ThreadsTest, ManyWholeRunsAtOnceKeepToThemselves) {
   constexpr int threads = 8;
   constexpr int runs_each = 4;
   std::vector<std::thread> workers;
+  workers.reserve(threads);
   for (int t = 0; t < threads; ++t)
     workers.emplace_back([this, t] {
       for (int i = 0; i < runs_each; ++i) WholeRun("d" + std::to_string(t), (t * runs_each + i) % 20);

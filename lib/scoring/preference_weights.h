@@ -1,0 +1,13 @@
+#pragma once
+
+#include "context/weights.h"
+#include "export.h"
+#include "ut/strobj.h"
+
+namespace orlo::vostrand_lib {
+
+/// The weights of the preference `name` (cleaned), or of its kind `type` when it has no entry of its own; a
+/// kind without an entry gets one of zeros.
+VOSTRAND_API WPValue GetWPByPrfName(const UT_STROBJ& name, const UT_STROBJ& type, WeightsMap& weights);
+
+}  // namespace orlo::vostrand_lib

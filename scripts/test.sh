@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing, configures, builds and runs all tests. `scripts/test.sh PRESET` takes another preset than
-# dev: release, asan or tsan.
+# dev: release, clang, asan or tsan.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

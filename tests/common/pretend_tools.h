@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -40,9 +41,9 @@ struct PretendedRun {
     return "Timing report of " + name + "\n\n" +
            "Preference                              |   Constraint|       Actual|Levels\n" + rule +
            Row("", "", "") +
-           Row("FREQUENCY NET \"clk_c\" 100.000000 MHz ;", "100.000 MHz", Format("%.3f MHz", clock_mhz)) +
+           Row("FREQUENCY NET \"clk_c\" 100.000000 MHz ;", "100.000 MHz", Decimal(clock_mhz) + " MHz") +
            "     4\n" + Row("", "", "") + Row("INPUT_SETUP PORT \"data_with_a_long_name\"", "", "") +
-           Row(" 5.000 ns CLKPORT \"clk\" ;", "5.000 ns", Format("%.3f ns", setup_ns)) + "     2\n" +
+           Row(" 5.000 ns CLKPORT \"clk\" ;", "5.000 ns", Decimal(setup_ns) + " ns") + "     2\n" +
            Row("", "", "") + rule + Format("\nTiming Score: %ld\n", timing_score);
   }
 
@@ -52,6 +53,12 @@ struct PretendedRun {
     char text[128];
     std::snprintf(text, sizeof text, format, values...);
     return text;
+  }
+
+  // Three decimals, "." in every locale.
+  static std::string Decimal(double value) {
+    const long thousandths = std::lround(value * 1000);
+    return Format("%ld.%03ld", thousandths / 1000, thousandths % 1000);
   }
 
   // A row of the summary table, up to its last column; a row without values ends there.

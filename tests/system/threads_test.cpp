@@ -40,8 +40,9 @@ class ThreadsTest : public ScratchTest {
     // The setup time has its kind's default weight, the clock weight 2.
     const float actual = 1000.0F / (static_cast<float>(110000 + 1000 * number) / 1000.0F);
     const float score = (10.0F - actual) * 2.0F + (5.0F - 4.0F);
-    char total[64];
-    std::snprintf(total, sizeof total, "Total PSScore:%10.3f\n", static_cast<double>(score));
+    UT_STROBJ line;
+    const std::string total =
+        line.str_format("Total PSScore:%10.3f\n", static_cast<double>(score)).getstring();
     EXPECT_NE(run.logger.out.find(total), std::string::npos) << total << run.logger.out;
     EXPECT_EQ(run.logger.err, "");
     EXPECT_EQ(Read(name + "/top.ncd"), "design of 5_1\n");

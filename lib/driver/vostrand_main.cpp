@@ -23,21 +23,28 @@ void LoadDefaultWeights(self_context& run) {
   GetDefaultWPValueFromFile(path, run.runInfo.weights, &run);
 }
 
-// Every step that can end the run has said why and recorded the exit code.
+// Everything that decides whether there will be a plan. Every step that can end the run has said why and
+// recorded the exit code.
+bool AcceptRun(int argc, const char** argv, VOSTRAND_CONTEXT& record, Settings& settings,
+               ParOptions& options) {
+  if (!ReadCommandLine(argc, argv, record, settings)) return false;
+  if (!OpenLog(record, settings)) return false;
+  if (!CheckSettings(record, settings)) return false;
+  UT_FOUNDRY::instance();
+  // The user's par command file is read and written back before the output name is looked at.
+  return ReadParCommandFile(record, settings.parCommandFile, options) && FixOutputName(record);
+}
+
 void PlanRun(int argc, const char** argv, VOSTRAND_CONTEXT& record) {
   self_context& run = StartRun(record);
   LoadDefaultWeights(run);
-
   Settings settings;
-  if (!ReadCommandLine(argc, argv, record, settings)) return;
-  if (!OpenLog(record, settings)) return;
-  if (!CheckSettings(record, settings)) return;
-  UT_FOUNDRY::instance();
-
-  // The user's par command file is read and written back before the output name is looked at.
   ParOptions options;
-  if (!ReadParCommandFile(record, settings.parCommandFile, options)) return;
-  if (!FixOutputName(record)) return;
+  if (!AcceptRun(argc, argv, record, settings, options)) {
+    // Without a plan there is no output; a report must not take files of that name for it.
+    run.runInfo.outputDir = "";
+    return;
+  }
   PrepareOutputDirectory(record, settings);
   AppendPlan(record, settings, options);
 }

@@ -53,7 +53,7 @@ class Report {
  private:
   UT_STROBJ PathOf(const UT_STROBJ& name) const { return GenerateFilePath(work_dir_, name); }
   // Only an accepted plan has an output; the record may hold seeds of an earlier one beside a refused one.
-  bool HasOutput() const { return !info_.outputName.empty(); }
+  bool HasOutput() const { return !info_.outputDir.empty(); }
   int FinishedCount() const { return static_cast<int>(finished_.size()); }
   void LogCommands(const MPAR_SEED& seed);
   void Score(std::size_t index);

@@ -139,7 +139,8 @@ static void testLongLines(void) {
   snprintf(text, sizeof text, "[s]\nk=%.1020s\nn=1\nl=%.1030s\nm=2\n", big, big);
   store(text);
   CHECK(GetPrivateProfileString("s", "k", "", value, sizeof value, ini) == 1020, "longest whole line");
-  CHECK(GetPrivateProfileString("s", "l", "", value, sizeof value, ini) == 1030, "a line of any length is one");
+  CHECK(GetPrivateProfileString("s", "l", "", value, sizeof value, ini) == 1030,
+        "a line of any length is one");
   CHECK(WritePrivateProfileString("s", "m", "3", ini) == 1, "written in several blocks");
   snprintf(text, sizeof text, "[s]\nk=%.1020s\nn=1\nl=%.1030s\nm=3\n", big, big);
   CHECK(holds(text), "written in several blocks");

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vostrand {
+
+/// One action of a run, as the executor sees it.
+struct PlannedStep {
+  std::vector<std::string> words;  ///< The program and its arguments; empty for a callback.
+  bool IsCallback() const { return words.empty(); }
+};
+
+/// One place-and-route run, as the executor sees it.
+struct PlannedRun {
+  std::string name;
+  std::vector<PlannedStep> steps;
+  std::string output_file;  ///< What its tools print is kept here.
+  std::vector<std::string>
+      leftovers;  ///< Files and folders of an earlier sweep, removed before the run starts.
+};
+
+}  // namespace vostrand

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <map>
+#include <memory>
+
+#include "execute/launcher.h"
+#include "launch/tool_finder.h"
+
+namespace vostrand {
+
+/// Runs commands on this machine, each under vostrand-step.
+class LocalLauncher final : public Launcher {
+ public:
+  /// `supervisor` is the path of vostrand-step; commands run in `work_dir`.
+  LocalLauncher(std::string supervisor, std::string work_dir, ToolFinder tools);
+  ~LocalLauncher() override;
+
+  void Start(const StepRequest& request, Done done) override;
+  void CancelAll() override;
+
+ private:
+  struct Running {
+    std::unique_ptr<QProcess> process;
+    std::string outcome_file;
+    Done done;
+  };
+
+  void Fail(std::string message, Done done);
+  void Ended(int id);
+
+  std::string supervisor_;
+  std::string work_dir_;
+  ToolFinder tools_;
+  QTemporaryDir outcomes_;
+  QObject queue_;  // Results that are known at once still arrive from the event loop.
+  std::map<int, Running> running_;
+  int next_id_ = 0;
+};
+
+}  // namespace vostrand

@@ -1,0 +1,55 @@
+// The program vostrand: a host for libvostrandlib. Reads its own options, leaves the rest to the library.
+#include <QCoreApplication>
+#include <clocale>
+#include <iostream>
+
+#include "options/host_options.h"
+#include "plan/command_words.h"
+#include "plan/dry_run.h"
+#include "plan/library_run.h"
+#include "sweep.h"
+
+namespace {
+
+constexpr int wrong_options = 2;
+
+int Refuse(const std::string& why) {
+  std::cerr << "vostrand: " << why << "\n";
+  return wrong_options;
+}
+
+int ShowHelp() {
+  std::cout << vostrand::HelpText() << std::flush;
+  vostrand::LibraryRun library("", false);
+  library.Plan({});  // Without arguments the library has its usage to say.
+  std::cout << library.Logger().Status();
+  return 0;
+}
+
+// The library's planned commands do not quote names, so one that needs quotes would come apart.
+std::string WhyRefused(const std::vector<std::string>& tool_arguments) {
+  for (const std::string& argument : tool_arguments)
+    if (!vostrand::FitsCommandLine(argument))
+      return "the tool argument <" + argument +
+             "> holds white space or quotes, which planned commands cannot carry";
+  return {};
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+  const QCoreApplication app(argc, argv);
+  std::setlocale(LC_NUMERIC, "C");  // Qt has set the user's; numbers are the same everywhere.
+  const vostrand::CommandLine line = vostrand::ReadCommandLine(arguments);
+  if (!line.error.empty()) return Refuse(line.error);
+  if (line.host.show_help) return ShowHelp();
+  if (line.host.show_version) {
+    std::cout << "vostrand " << VOSTRAND_VERSION << "\n";
+    return 0;
+  }
+  const std::string refusal = WhyRefused(line.tool);
+  if (!refusal.empty()) return Refuse(refusal);
+  if (line.host.dry_run) return vostrand::DryRun(line.tool, line.host.work_dir);
+  return vostrand::RunSweep(line.host, line.tool, QCoreApplication::applicationDirPath().toStdString());
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vostrand {
+
+/// A planned command line split into words by blanks and double quotes. No shell ever sees it: a file name is
+/// never code.
+std::vector<std::string> SplitCommand(const std::string& command);
+
+/// True when a planned command line can carry the name: it holds no white space and no quotes, since those
+/// are not quoted in command lines.
+bool FitsCommandLine(const std::string& name);
+
+}  // namespace vostrand

@@ -1,0 +1,27 @@
+#include "plan/host_logger.h"
+
+#include <iostream>
+
+namespace vostrand {
+
+void HostLogger::onStdout(const char* text) {
+  if (muted_) return;
+  status_ += text;
+  if (show_status_) std::cerr << text;
+}
+
+void HostLogger::onStderr(const char* text) {
+  if (!muted_) std::cerr << text;
+}
+
+void HostLogger::ShowHeldBack(std::ostream& stream) const {
+  if (show_status_) return;
+  stream << status_;
+  if (!status_.empty() && status_.back() != '\n') stream << '\n';
+}
+
+bool HostLogger::HasHeard(const std::string& text) const {
+  return status_.starts_with(text) || status_.find('\n' + text) != std::string::npos;
+}
+
+}  // namespace vostrand

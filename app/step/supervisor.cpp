@@ -1,0 +1,184 @@
+#include "step/supervisor.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "step/outcome_file.h"
+
+namespace vostrand::step {
+namespace {
+
+constexpr int cannot_start = 127;
+constexpr int cannot_write = 126;
+
+double Now() {
+  timespec time;
+  clock_gettime(CLOCK_MONOTONIC, &time);
+  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+}
+
+double Seconds(const timeval& time) {
+  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+
+// The signals that the supervisor takes one by one, blocked everywhere else.
+sigset_t TakenSignals() {
+  sigset_t set;
+  sigemptyset(&set);
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGCHLD}) sigaddset(&set, signal);
+  return set;
+}
+
+// One program and whatever it starts.
+class Group {
+ public:
+  explicit Group(const Command& command) : command_(command) {}
+
+  int Run();
+
+ private:
+  [[noreturn]] void BecomeProgram(int failure_pipe);
+  bool Start();
+  void WaitForAll();
+  bool ReapOne();
+  void End(int signal);
+  void TakeSignal(const timespec& patience);
+  int Finish();
+
+  const Command& command_;
+  pid_t program_ = -1;
+  bool program_ended_ = false;
+  int status_ = 0;
+  double began_ = 0;
+  double kill_at_ = 0;  // 0 while nothing has been asked to end.
+  Outcome outcome_;
+};
+
+void Group::BecomeProgram(int failure_pipe) {
+  setpgid(0, 0);
+  // Should the supervisor itself be killed, at least the program goes with it.
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  // Nothing blocked, whatever the supervisor or its own parent blocks.
+  sigset_t none;
+  sigemptyset(&none);
+  sigprocmask(SIG_SETMASK, &none, nullptr);
+  const int input = open("/dev/null", O_RDONLY);
+  dup2(input, STDIN_FILENO);
+  if (!command_.output_file.empty()) {
+    const int output = open(command_.output_file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+    if (output >= 0) {
+      dup2(output, STDOUT_FILENO);
+      dup2(output, STDERR_FILENO);
+    }
+  }
+  execvp(command_.arguments[0], command_.arguments);
+  const int error = errno;
+  static_cast<void>(write(failure_pipe, &error, sizeof error) > 0);
+  _exit(cannot_start);
+}
+
+bool Group::Start() {
+  // Tells a program that could not be started from one that ended with that very code.
+  int failure_pipe[2];
+  if (pipe2(failure_pipe, O_CLOEXEC) != 0) return false;
+  began_ = Now();
+  program_ = fork();
+  if (program_ == 0) BecomeProgram(failure_pipe[1]);
+  close(failure_pipe[1]);
+  int error = 0;
+  const bool failed = program_ < 0 || read(failure_pipe[0], &error, sizeof error) > 0;
+  close(failure_pipe[0]);
+  if (failed)
+    std::fprintf(stderr, "vostrand-step: cannot start %s: %s\n", command_.arguments[0], strerror(error));
+  return !failed;
+}
+
+void Group::End(int signal) {
+  if (!program_ended_) {
+    kill(-program_, signal);
+    return;
+  }
+  // Its group's number may be somebody else's by now. What still runs has been handed to this process, the
+  // subreaper; what runs below that follows as soon as its parent has gone.
+  char path[64];
+  std::snprintf(path, sizeof path, "/proc/self/task/%d/children", getpid());
+  if (std::FILE* const children = std::fopen(path, "re")) {
+    for (int child = 0; std::fscanf(children, "%d", &child) == 1;) kill(child, signal);
+    std::fclose(children);
+  }
+}
+
+// False when there is no process left to wait for.
+bool Group::ReapOne() {
+  for (;;) {
+    int status = 0;
+    const pid_t ended = waitpid(-1, &status, WNOHANG);
+    if (ended <= 0) return ended == 0;
+    if (ended != program_) continue;
+    program_ended_ = true;
+    status_ = status;
+    // Nobody waits for what a program leaves running, and it could still write into the run's files.
+    if (kill_at_ == 0) kill_at_ = Now() + command_.grace_seconds;
+    End(SIGTERM);
+  }
+}
+
+void Group::TakeSignal(const timespec& patience) {
+  const sigset_t taken = TakenSignals();
+  const int signal = sigtimedwait(&taken, nullptr, &patience);
+  if (signal <= 0 || signal == SIGCHLD) return;
+  End(outcome_.cancelled ? SIGKILL : SIGTERM);
+  outcome_.cancelled = outcome_.cancelled || !program_ended_;
+  if (kill_at_ == 0) kill_at_ = Now() + command_.grace_seconds;
+}
+
+void Group::WaitForAll() {
+  while (ReapOne()) {
+    const bool ending = kill_at_ != 0;
+    if (ending && Now() >= kill_at_) End(SIGKILL);
+    TakeSignal(ending ? timespec{0, 20'000'000} : timespec{3600, 0});
+  }
+}
+
+int Group::Finish() {
+  rusage usage;
+  getrusage(RUSAGE_CHILDREN, &usage);
+  outcome_.elapsed_seconds = Now() - began_;
+  outcome_.cpu_seconds = Seconds(usage.ru_utime) + Seconds(usage.ru_stime);
+  outcome_.peak_kib = usage.ru_maxrss;
+  if (WIFSIGNALED(status_)) outcome_.signal = WTERMSIG(status_);
+  outcome_.exit_code = outcome_.signal != 0 ? 128 + outcome_.signal : WEXITSTATUS(status_);
+  return WriteOutcome(command_.outcome_file, outcome_) ? outcome_.exit_code : cannot_write;
+}
+
+int Group::Run() {
+  prctl(PR_SET_CHILD_SUBREAPER, 1);
+  prctl(PR_SET_PDEATHSIG, SIGTERM);
+  if (command_.parent != 0 && getppid() != command_.parent) return cannot_start;  // It died in this moment.
+  const sigset_t taken = TakenSignals();
+  sigprocmask(SIG_BLOCK, &taken, nullptr);
+  if (!Start()) {
+    outcome_.exit_code = cannot_start;
+    return WriteOutcome(command_.outcome_file, outcome_) ? cannot_start : cannot_write;
+  }
+  WaitForAll();
+  return Finish();
+}
+
+}  // namespace
+
+int Supervise(const Command& command) {
+  return Group(command).Run();
+}
+
+}  // namespace vostrand::step

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+namespace vostrand::step {
+
+struct Command {
+  std::string outcome_file;  ///< Written whole or not at all, when everything has ended.
+  std::string
+      output_file;        ///< Standard output and error are appended to it; empty means the supervisor's own.
+  int grace_seconds = 2;  ///< Between SIGTERM and SIGKILL.
+  int parent = 0;         ///< Process id of whoever starts the supervisor, when it must not outlive it.
+  char** arguments =
+      nullptr;  ///< The program, looked up in PATH, and its arguments, closed by a null pointer.
+};
+
+/// Runs the command in a process group of its own, with standard input from /dev/null, and waits until it and
+/// every process that it left behind have ended. SIGTERM, SIGINT, SIGHUP and the death of the parent end the
+/// group: SIGTERM, then SIGKILL after the grace or at the second signal. Returns the exit code: the
+/// program's, 128 plus the signal that ended it, 127 when it cannot be started, or 126 when the outcome
+/// cannot be written.
+int Supervise(const Command& command);
+
+}  // namespace vostrand::step

@@ -32,15 +32,12 @@ static void testValues(void) {
   static const struct {
     const char *key, *fallback, *expected;
     size_t size;
-  } cases[] = {
-      {"w", "d", "3", 9},        {"Q", "d", "a = b", 9},      {"single", "d", " x ", 9},
-      {"mixed", "d", "'x\"", 9}, {"none", "d", "", 9},        {"bare", "d", "d", 9},
-      {"bare", NULL, "", 9},     {"I", "d", "small", 9},      {"; c", "d", "d", 9},
-      {"late", "d", "d", 9},     {"two words", "d", "=1", 9}, {"", "d", "anon", 9},
-      {"i", "d", "small", 6},    {"i", "d", "smal", 5},       {"Q", "d", "a ", 3},
-      {"i", "d", "", 1},         {"no", " 'a ", "'a", 9},     {"no", " 'ab' ", "'ab", 5},
-
-  };
+  } cases[] = {{"w", "d", "3", 9},        {"Q", "d", "a = b", 9},      {"single", "d", " x ", 9},
+               {"mixed", "d", "'x\"", 9}, {"none", "d", "", 9},        {"bare", "d", "d", 9},
+               {"bare", NULL, "", 9},     {"I", "d", "small", 9},      {"; c", "d", "d", 9},
+               {"late", "d", "d", 9},     {"two words", "d", "=1", 9}, {"", "d", "anon", 9},
+               {"i", "d", "small", 6},    {"i", "d", "smal", 5},       {"i", "d", "", 1},
+               {"no", " 'ab' ", "'ab", 5}};
   store(
       "w=0\n[broken\n[ Main ]\nw=8\n[main]\n\n  ; c=1\nw = 3\r\n\tq = \"a = b\" \nsingle=' x '\nmixed='x\"\n"
       "none=\nbare\nbare=2\ntwo words ==1\n=anon\ni=small\nI=2\n[stop\nlate=1\n[MAIN]\nlate=2\n");
@@ -68,22 +65,21 @@ static void testNumbers(void) {
     store(text);
     CHECK(GetPrivateProfileInt("S", "K", 42, ini) == numbers[i], texts[i]);
   }
-  CHECK(GetPrivateProfileInt("s", "k", 42, "none") == 42, "missing file");
 }
 
 /* A list that does not fit with a character to spare is its first size - 2 characters and two NULs. */
 static void checkList(const char* kind, const char* list, size_t length) {
-  for (size_t size = 0; size < 24; ++size) {
-    char buffer[] = "###############################", expected[sizeof buffer];
-    strcpy(expected, buffer);
+  for (size_t size = 2; size < 24; ++size) {
+    char buffer[32] = "", expected[sizeof buffer] = "";
     const int fits = size >= length + 2, entries = kind[0] == 'e';
-    memset(expected, 0, fits ? length + 1 : size);
-    if (size > 1) memcpy(expected, list, fits ? length : size - 2);
+    memset(buffer + size, '#', sizeof buffer - size);
+    memset(expected + size, '#', sizeof buffer - size);
+    memcpy(expected, list, fits ? length : size - 2);
     const size_t count =
         entries ? GetPrivateProfileSection("s", buffer, size, ini)
                 : GetPrivateProfileString(kind[0] == 'k' ? "s" : NULL, NULL, "d", buffer, size, ini);
     CHECK(memcmp(buffer, expected, sizeof buffer) == 0, kind);
-    CHECK(count == (size < 2 ? 0 : !fits ? size - 2 : entries ? length : length - 1), kind);
+    CHECK(count == (!fits ? size - 2 : entries ? length : length - 1), kind);
   }
 }
 
@@ -92,9 +88,6 @@ static void testLists(void) {
   checkList("keys", "abc\0d\0\0ABC", 11);
   checkList("sections", "s\0\0t u", 7);
   checkList("entries", "abc=1\0d=\0=x\0ABC=1", 18);
-  char buffer[8];
-  CHECK(GetPrivateProfileString("t u", NULL, " 'no' ", buffer, 8, ini) == 2 && buffer[0] == 'n', "no keys");
-  CHECK(GetPrivateProfileSection("t u", buffer, 8, ini) == 0 && buffer[0] == '\0', "no entries");
 }
 
 static void testWriting(void) {
@@ -104,15 +97,12 @@ static void testWriting(void) {
   } cases[] = {
       {"[a]\nk=1\nK=2\n", "A", "k", "'5'", "[a]\nk='5'\nK=2\n", 1},
       {"[a]\nk=1\n[a]\nn=1\n", "a", "n", "2", "[a]\nk=1\nn=2\n[a]\nn=1\n", 1},
-      {"[b]\nk=1\n[a]\n;k=1", "a", "k", "2", "[b]\nk=1\n[a]\n;k=1\nk=2\n", 1},
       {" [b] \r\n\n  \nx =  1 \n[a\nk=0", "a", "k", "2", "[b]\n\nx =  1\n[a\nk=0\n[a]\nk=2\n", 1},
       {"[a]\n[open\nk=1\n", "a", "k", "2", "[a]\nk=2\n[open\nk=1\n", 1},
       {"[a]\nk\n\t\nm=1\n", "a", "k", NULL, "[a]\n\nm=1\n", 1},
-      {"[a]\n \n=1\n", "a", "", "2", "[a]\n\n=2\n", 1},
       {"[a]\n[b]\nk=1\n", "a", "k", NULL, "[a]\n[b]\nk=1\n", 1},
       {"[b]\nk=1\n", "a", "k", NULL, "[b]\nk=1\n[a]\n", 0},
       {"[b]\n[a]\n;c\nk=1\n \n[c]\nk=2\n", "a", NULL, "v", "[b]\n;c\n[c]\nk=2\n", 1},
-      {"[b]\n[a]\nk=1\n", "a", NULL, NULL, "[b]\n", 0},
       {NULL, "a", "k", "v", "[a]\nk=v\n", 1},
   };
   for (size_t i = 0; i < COUNT(cases); ++i) {
@@ -134,55 +124,31 @@ static void testWriting(void) {
 }
 
 static void testLongLines(void) {
-  char text[3200], value[1100], big[1030], keys[9300] = "[s]\n", entries[9300];
+  char text[3200], value[1100], big[1030];
   memset(big, 'x', sizeof big);
-  snprintf(text, sizeof text, "[s]\nk=%.1020s\nn=1\nl=%.1030s\nm=2\n", big, big);
+  snprintf(text, sizeof text, "[s]\nk=%.1020s\nl=%.1030s\nm=2\n", big, big);
   store(text);
-  CHECK(GetPrivateProfileString("s", "k", "", value, sizeof value, ini) == 1020, "longest whole line");
   CHECK(GetPrivateProfileString("s", "l", "", value, sizeof value, ini) == 1030,
         "a line of any length is one");
-  CHECK(WritePrivateProfileString("s", "m", "3", ini) == 1, "written in several blocks");
-  snprintf(text, sizeof text, "[s]\nk=%.1020s\nn=1\nl=%.1030s\nm=3\n", big, big);
-  CHECK(holds(text), "written in several blocks");
-
-  for (int i = 0; i < 9; ++i) snprintf(keys + strlen(keys), 1024, "%.1000s%d=%d\n", big, i, i);
-  store(keys);
-  CHECK(GetPrivateProfileSection("s", entries, sizeof entries, ini) == 8 * 1004 + 176, "8 K of keys");
+  text[strlen(text) - 2] = '3';
+  CHECK(WritePrivateProfileString("s", "m", "3", ini) == 1 && holds(text), "written in several blocks");
 }
 
 static void testText(void) {
-  static const struct {
-    const char *text, *delimiters, *token;
-    size_t size;
-    int rest; /* -1 for null */
-  } cases[] = {{"w = 3", "=", "w ", 9, 3},  {"a===b", "=", "a", 9, 3}, {"a,,,;;b", ",;", "a", 9, 3},
-               {"a,;;;b", ",;", "a", 9, 5}, {"a==", "=", "a", 9, -1},  {"abc", "=", "abc", 4, -1},
-               {"abc=d", "=", "abc", 4, 3}, {"abc", "=", "", 1, 0},    {"", "=", "#", 9, -1}};
-  for (size_t i = 0; i < COUNT(cases); ++i) {
-    char token[16] = "#";
-    const char* rest = stptok(cases[i].text, token, cases[i].size, cases[i].delimiters);
-    CHECK(strcmp(token, cases[i].token) == 0, cases[i].text);
-    CHECK(cases[i].rest < 0 ? rest == NULL : rest == cases[i].text + cases[i].rest, cases[i].text);
-  }
-  char blank[] = " \t\v", quote[] = "'", pair[] = "[]";
-  rmtrail(blank),
-      CHECK(blank[0] == '\0' && rmquotes(quote) == 0 && rmbrackets(pair) == 1 && pair[0] == '\0', "in place");
-  for (size_t size = 511; size < 514; ++size) {
-    FILE *from = tmpfile(), *to = tmpfile();
-    fprintf(from, "%*d", (int)size, 1);
-    rewind(from);
-    CHECK(filecopy(to, from) == (int)(size % 512) && ftell(to) == (long)size, "filecopy");
-    fclose(from), fclose(to);
-  }
+  char token[9], quote[] = "'", pair[] = "[]";
+  const char* const text = "a,;;;b";
+  CHECK(stptok(text, token, 9, ",;") == text + 5 && strcmp(token, "a") == 0, "delimiters behind one another");
+  CHECK(strcmp(stptok("a,,,;;b", token, 9, ",;"), ",;;b") == 0, "the first delimiter, twice at most");
+  CHECK(stptok("a==", token, 9, "=") == NULL && stptok(text, token, 2, ",;") == text + 1, "end, full token");
+  CHECK(rmquotes(quote) == 0 && rmbrackets(pair) == 1 && pair[0] == '\0', "in place");
 }
 
-int main(int argc, char** argv) {
+int main(void) {
   char scratch[] = "/tmp/profile_file_XXXXXX";
-  const char* directory = argc > 1 ? argv[1] : mkdtemp(scratch);
-  if (directory == NULL || chdir(directory) != 0) return 2;
+  if (mkdtemp(scratch) == NULL || chdir(scratch) != 0) return 2;
   setlocale(LC_ALL, ""); /* Under a Turkish locale this shows any use of the locale's letters. */
   testValues(), testNumbers(), testLists(), testWriting(), testLongLines(), testText();
   remove(ini);
-  if (argc < 2) rmdir(directory);
+  rmdir(scratch);
   return failures != 0;
 }

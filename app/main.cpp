@@ -1,6 +1,10 @@
 // The program vostrand: a host for libvostrandlib. Reads its own options, leaves the rest to the library.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <QCoreApplication>
 #include <clocale>
+#include <csignal>
 #include <iostream>
 
 #include "options/host_options.h"
@@ -12,6 +16,7 @@
 namespace {
 
 constexpr int wrong_options = 2;
+constexpr int result_not_written = 6;
 
 int Refuse(const std::string& why) {
   std::cerr << "vostrand: " << why << "\n";
@@ -35,13 +40,20 @@ std::string WhyRefused(const std::vector<std::string>& tool_arguments) {
   return {};
 }
 
-}  // namespace
+// Descriptors that the caller closed would be given to the first files opened, which messages would then end
+// up in.
+void FillStandardDescriptors() {
+  for (;;) {
+    const int file = open("/dev/null", O_RDWR);
+    if (file < 0) return;
+    if (file > STDERR_FILENO) {
+      close(file);
+      return;
+    }
+  }
+}
 
-int main(int argc, char** argv) {
-  const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
-  const QCoreApplication app(argc, argv);
-  std::setlocale(LC_NUMERIC, "C");  // Qt has set the user's; numbers are the same everywhere.
-  const vostrand::CommandLine line = vostrand::ReadCommandLine(arguments);
+int Perform(const vostrand::CommandLine& line) {
   if (!line.error.empty()) return Refuse(line.error);
   if (line.host.show_help) return ShowHelp();
   if (line.host.show_version) {
@@ -52,4 +64,18 @@ int main(int argc, char** argv) {
   if (!refusal.empty()) return Refuse(refusal);
   if (line.host.dry_run) return vostrand::DryRun(line.tool, line.host.work_dir);
   return vostrand::RunSweep(line.host, line.tool, QCoreApplication::applicationDirPath().toStdString());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  FillStandardDescriptors();
+  std::signal(SIGPIPE, SIG_IGN);  // Whoever reads the progress may leave; the sweep goes on.
+  const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+  const QCoreApplication app(argc, argv);
+  std::setlocale(LC_NUMERIC, "C");  // Qt has set the user's; numbers are the same everywhere.
+  const int code = Perform(vostrand::ReadCommandLine(arguments));
+  if (std::cout.flush()) return code;
+  std::cerr << "vostrand: cannot write to standard output\n";
+  return code == 0 ? result_not_written : code;
 }

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <ctime>
 #include <utility>
 
 namespace vostrand {
@@ -12,17 +13,29 @@ namespace {
 sigset_t Interrupts() {
   sigset_t set;
   sigemptyset(&set);
-  sigaddset(&set, SIGINT);
-  sigaddset(&set, SIGTERM);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&set, signal);
   return set;
 }
 
 }  // namespace
 
+BlockedInterrupts::BlockedInterrupts() {
+  // Inherited by the supervisors, which unblock everything for the tools.
+  const sigset_t set = Interrupts();
+  sigprocmask(SIG_BLOCK, &set, nullptr);
+}
+
+BlockedInterrupts::~BlockedInterrupts() {
+  // One that came too late to interrupt anything must not end a program that has done its work.
+  const sigset_t set = Interrupts();
+  const timespec no_time = {0, 0};
+  while (sigtimedwait(&set, nullptr, &no_time) > 0) {
+  }
+  sigprocmask(SIG_UNBLOCK, &set, nullptr);
+}
+
 Signals::Signals(std::function<void(int signal)> on_signal) {
   const sigset_t set = Interrupts();
-  // Blocked, they wait in the descriptor. Supervisors unblock them for the tools.
-  sigprocmask(SIG_BLOCK, &set, nullptr);
   file_ = signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
   notifier_ = std::make_unique<QSocketNotifier>(file_, QSocketNotifier::Read);
   QObject::connect(notifier_.get(), &QSocketNotifier::activated, [this, on_signal = std::move(on_signal)] {
@@ -35,8 +48,6 @@ Signals::Signals(std::function<void(int signal)> on_signal) {
 Signals::~Signals() {
   notifier_.reset();
   close(file_);
-  const sigset_t set = Interrupts();
-  sigprocmask(SIG_UNBLOCK, &set, nullptr);
 }
 
 }  // namespace vostrand

@@ -6,7 +6,16 @@
 
 namespace vostrand {
 
-/// Delivers SIGINT and SIGTERM to the event loop.
+/// While it lives, SIGINT, SIGTERM and SIGHUP wait instead of ending the program.
+class BlockedInterrupts {
+ public:
+  BlockedInterrupts();
+  ~BlockedInterrupts();
+  BlockedInterrupts(const BlockedInterrupts&) = delete;
+  BlockedInterrupts& operator=(const BlockedInterrupts&) = delete;
+};
+
+/// Delivers blocked interrupts to the event loop.
 class Signals {
  public:
   explicit Signals(std::function<void(int signal)> on_signal);

@@ -1,13 +1,19 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building and testing need. Run as often as you like: what is there is left alone.
+# Installs the Debian packages that building and testing need; with --tools only those that running a design needs.
+# Run as often as you like: what is there is left alone.
 set -euo pipefail
 
 packages=(
-  g++ clang cmake ninja-build     # compilers and build
-  qt6-base-dev                    # Qt 6 Core: the per-thread context
-  libgtest-dev                    # tests
-  locales                         # tests in other locales
-  clang-format clang-tidy         # style and checks
+  g++ cmake ninja-build                # build
+  qt6-base-dev                         # Qt 6 Core
+  libcli11-dev                         # the program's options
+  nextpnr-generic opensta yosys        # the engines behind par and sorv
+)
+[ "${1:-}" = --tools ] || packages+=(
+  clang                                # the other compiler
+  libgtest-dev                         # tests
+  locales                              # tests in other locales
+  clang-format clang-tidy              # style and checks
 )
 
 missing=()

@@ -3,6 +3,11 @@
 #include <utility>
 
 namespace vostrand {
+namespace {
+
+constexpr int cannot_begin = 126;  // Status of a run whose way could not be cleared.
+
+}  // namespace
 
 Executor::Executor(std::vector<PlannedRun> plan, int jobs, Launcher& launcher, Observer& observer,
                    ExecutorHooks hooks)
@@ -29,9 +34,12 @@ void Executor::StartRuns() {
   while (running_ < jobs_ && next_ < plan_.size() && !cancelled_ && !hooks_.stop_requested()) {
     const std::size_t run = next_++;
     ++running_;
-    hooks_.before_run(plan_[run]);
     Tell(Event::Kind::run_started, run);
-    StartStep(run, 0);
+    const std::string failure = hooks_.before_run(plan_[run]);
+    if (failure.empty())
+      StartStep(run, 0);
+    else
+      EndRun(run, cannot_begin, failure);
   }
 }
 
@@ -52,7 +60,8 @@ void Executor::StartStep(std::size_t run, std::size_t step) {
 }
 
 void Executor::StepEnded(std::size_t run, std::size_t step, const StepResult& result) {
-  Event event{Event::Kind::step_finished, run, step, 0, result.outcome, result.message};
+  Event event(Event::Kind::step_finished, run, step);
+  event.outcome = result.outcome;
   observer_.On(event);
   const bool stopped = cancelled_ && (result.outcome.cancelled || step + 1 < plan_[run].steps.size());
   if (stopped)
@@ -65,10 +74,12 @@ void Executor::StepEnded(std::size_t run, std::size_t step, const StepResult& re
   FinishIfIdle();
 }
 
-void Executor::EndRun(std::size_t run, int status) {
+void Executor::EndRun(std::size_t run, int status, const std::string& message) {
   --running_;
   statuses_[run] = status;
-  Tell(Event::Kind::run_finished, run, 0, status);
+  Event event(Event::Kind::run_finished, run, 0, status);
+  event.message = message;
+  observer_.On(event);
 }
 
 void Executor::FinishIfIdle() {
@@ -80,7 +91,7 @@ void Executor::FinishIfIdle() {
 }
 
 void Executor::Tell(Event::Kind kind, std::size_t run, std::size_t step, int status) {
-  observer_.On(Event{kind, run, step, status, {}, {}});
+  observer_.On(Event(kind, run, step, status));
 }
 
 }  // namespace vostrand

@@ -13,8 +13,9 @@ namespace vostrand {
 struct ExecutorHooks {
   std::function<void(std::size_t run, std::size_t step)> call_back;  ///< Performs a callback step.
   std::function<bool()> stop_requested;                              ///< Asked after every callback.
-  std::function<void(const PlannedRun& run)> before_run;             ///< Clears the way for a run.
-  std::function<void()> finished;                                    ///< Everything has ended.
+  /// Clears the way for a run; returns why that failed, or nothing.
+  std::function<std::string(const PlannedRun& run)> before_run;
+  std::function<void()> finished;  ///< Everything has ended.
 };
 
 /// Decides when: at most `jobs` runs at once, started in plan order, each a chain of steps. A step that fails
@@ -36,7 +37,7 @@ class Executor {
   void StartRuns();
   void StartStep(std::size_t run, std::size_t step);
   void StepEnded(std::size_t run, std::size_t step, const StepResult& result);
-  void EndRun(std::size_t run, int status);
+  void EndRun(std::size_t run, int status, const std::string& message = {});
   void FinishIfIdle();
   void Tell(Event::Kind kind, std::size_t run = 0, std::size_t step = 0, int status = 0);
 

@@ -20,7 +20,6 @@ struct StepRequest {
 /// How a command ended.
 struct StepResult {
   step::Outcome outcome;
-  std::string message;  ///< Why it could not be started; empty otherwise.
 };
 
 /// Where and how commands run: on this machine, on a cluster, or, in tests, nowhere.

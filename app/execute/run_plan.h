@@ -15,9 +15,9 @@ struct PlannedStep {
 struct PlannedRun {
   std::string name;
   std::vector<PlannedStep> steps;
-  std::string output_file;  ///< What its tools print is kept here.
-  std::vector<std::string>
-      leftovers;  ///< Files and folders of an earlier sweep, removed before the run starts.
+  std::string output_file;             ///< What its tools print is kept here.
+  std::vector<std::string> leftovers;  ///< Files of an earlier sweep, removed before the run starts.
+  std::string leftover_folder;         ///< The same, with all that is in it; empty when there is none.
 };
 
 }  // namespace vostrand

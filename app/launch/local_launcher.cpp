@@ -1,23 +1,53 @@
 #include "launch/local_launcher.h"
 
+#include <spawn.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <QTimer>
 #include <csignal>
+#include <cstring>
+#include <fstream>
 #include <utility>
+#include <vector>
 
 namespace vostrand {
 namespace {
 
 constexpr int cannot_start = 127;
 
-// A supervisor that wrote no outcome was killed itself, and its program with it.
-step::Outcome OutcomeOf(const QProcess& process, const std::string& file) {
+// A process group of its own: a terminal's Ctrl-C is the host's to hear, who then tells the supervisors.
+class SpawnSettings {
+ public:
+  explicit SpawnSettings(const std::string& work_dir) {
+    posix_spawnattr_init(&attributes);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addchdir_np(&actions, work_dir.c_str());
+  }
+  ~SpawnSettings() {
+    posix_spawn_file_actions_destroy(&actions);
+    posix_spawnattr_destroy(&attributes);
+  }
+  SpawnSettings(const SpawnSettings&) = delete;
+  SpawnSettings& operator=(const SpawnSettings&) = delete;
+
+  posix_spawnattr_t attributes;
+  posix_spawn_file_actions_t actions;
+};
+
+// A supervisor that wrote no outcome was killed itself; its program goes with it, and here the program's
+// group.
+step::Outcome OutcomeOf(int wait_status, const std::string& file) {
   step::Outcome outcome;
   if (step::ReadOutcome(file, outcome)) return outcome;
-  const bool killed = process.exitStatus() == QProcess::CrashExit;
-  outcome.signal = killed ? SIGKILL : 0;
-  outcome.exit_code = killed ? 128 + SIGKILL : process.exitCode();
+  pid_t group = 0;
+  if (std::ifstream(file + ".group") >> group && group > 0) kill(-group, SIGKILL);
+  outcome.signal = WIFSIGNALED(wait_status) ? WTERMSIG(wait_status) : 0;
+  outcome.exit_code = outcome.signal != 0 ? 128 + outcome.signal : WEXITSTATUS(wait_status);
+  if (outcome.exit_code == 0) outcome.exit_code = cannot_start;
+  outcome.message = "its supervisor ended without an outcome";
   return outcome;
 }
 
@@ -26,12 +56,20 @@ step::Outcome OutcomeOf(const QProcess& process, const std::string& file) {
 LocalLauncher::LocalLauncher(std::string supervisor, std::string work_dir, ToolFinder tools)
     : supervisor_(std::move(supervisor)), work_dir_(std::move(work_dir)), tools_(std::move(tools)) {}
 
-LocalLauncher::~LocalLauncher() = default;
+LocalLauncher::~LocalLauncher() {
+  for (const auto& [id, running] : running_) close(running.ended_file);
+}
+
+std::string LocalLauncher::Unusable() const {
+  if (!outcomes_.isValid()) return "cannot make a scratch folder: " + outcomes_.errorString().toStdString();
+  if (access(supervisor_.c_str(), X_OK) != 0) return "there is no program " + supervisor_;
+  return {};
+}
 
 void LocalLauncher::Fail(std::string message, Done done) {
   StepResult result;
   result.outcome.exit_code = cannot_start;
-  result.message = std::move(message);
+  result.outcome.message = std::move(message);
   QTimer::singleShot(0, &queue_, [result, done = std::move(done)] { done(result); });
 }
 
@@ -43,46 +81,53 @@ void LocalLauncher::Start(const StepRequest& request, Done done) {
     return;
   }
   const int id = next_id_++;
-  Running& started = running_[id];
-  started.done = std::move(done);
+  Running started;
   started.outcome_file = outcomes_.filePath(QString::number(id)).toStdString();
-  QStringList arguments = {"--outcome", QString::fromStdString(started.outcome_file),
-                           "--output",  QString::fromStdString(request.output_file),
-                           "--parent",  QString::number(getpid()),
-                           "--",        QString::fromStdString(program)};
-  for (auto word = request.words.begin() + 1; word != request.words.end(); ++word)
-    arguments << QString::fromLocal8Bit(word->c_str());
+  std::vector<std::string> words = {supervisor_,
+                                    "--outcome",
+                                    started.outcome_file,
+                                    "--output",
+                                    request.output_file,
+                                    "--parent",
+                                    std::to_string(getpid()),
+                                    "--",
+                                    program};
+  words.insert(words.end(), request.words.begin() + 1, request.words.end());
+  std::vector<char*> argv;
+  argv.reserve(words.size() + 1);
+  for (std::string& word : words) argv.push_back(word.data());
+  argv.push_back(nullptr);
 
-  started.process = std::make_unique<QProcess>();
-  started.process->setWorkingDirectory(QString::fromStdString(work_dir_));
-  started.process->setProcessChannelMode(QProcess::ForwardedChannels);
-  started.process->setStandardInputFile(QProcess::nullDevice());
-  QObject::connect(started.process.get(), &QProcess::finished, &queue_, [this, id] { Ended(id); });
-  QObject::connect(
-      started.process.get(), &QProcess::errorOccurred, &queue_,
-      [this, id](QProcess::ProcessError error) {
-        if (error == QProcess::FailedToStart) Ended(id);
-      },
-      Qt::QueuedConnection);
-  started.process->start(QString::fromStdString(supervisor_), arguments);
+  const SpawnSettings settings(work_dir_);
+  const int error = posix_spawn(&started.supervisor, supervisor_.c_str(), &settings.actions,
+                                &settings.attributes, argv.data(), environ);
+  if (error != 0) {
+    Fail("cannot start " + supervisor_ + ": " + std::strerror(error), std::move(done));
+    return;
+  }
+  started.done = std::move(done);
+  started.ended_file = static_cast<int>(syscall(SYS_pidfd_open, started.supervisor, 0));
+  started.ended = std::make_unique<QSocketNotifier>(started.ended_file, QSocketNotifier::Read);
+  QObject::connect(started.ended.get(), &QSocketNotifier::activated, &queue_, [this, id] { Ended(id); });
+  running_[id] = std::move(started);
 }
 
 void LocalLauncher::Ended(int id) {
   Running ended = std::move(running_.extract(id).mapped());
-  StepResult result;
-  if (ended.process->error() == QProcess::FailedToStart) {
-    result.outcome.exit_code = cannot_start;
-    result.message = "cannot start " + supervisor_ + ": " + ended.process->errorString().toStdString();
-  } else {
-    result.outcome = OutcomeOf(*ended.process, ended.outcome_file);
+  ended.ended->setEnabled(false);
+  ended.ended.release()->deleteLater();  // It is the sender of what is being handled.
+  int wait_status = 0;
+  while (waitpid(ended.supervisor, &wait_status, 0) < 0 && errno == EINTR) {
   }
-  ended.process.release()->deleteLater();  // It is the sender of what is being handled.
+  close(ended.ended_file);
+  StepResult result;
+  result.outcome = OutcomeOf(wait_status, ended.outcome_file);
   ended.done(result);
 }
 
 void LocalLauncher::CancelAll() {
   // The supervisor takes a second SIGTERM as the end of its patience.
-  for (const auto& [id, running] : running_) running.process->terminate();
+  for (const auto& [id, running] : running_) kill(running.supervisor, SIGTERM);
 }
 
 }  // namespace vostrand

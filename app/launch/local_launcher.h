@@ -1,29 +1,36 @@
 #pragma once
 
-#include <QObject>
-#include <QProcess>
+#include <sys/types.h>
+
+#include <QSocketNotifier>
 #include <QTemporaryDir>
 #include <map>
 #include <memory>
+#include <string>
 
 #include "execute/launcher.h"
 #include "launch/tool_finder.h"
 
 namespace vostrand {
 
-/// Runs commands on this machine, each under vostrand-step.
+/// Runs commands on this machine, each under vostrand-step. Names pass as the bytes they are.
 class LocalLauncher final : public Launcher {
  public:
   /// `supervisor` is the path of vostrand-step; commands run in `work_dir`.
   LocalLauncher(std::string supervisor, std::string work_dir, ToolFinder tools);
   ~LocalLauncher() override;
 
+  /// Why nothing can be run; empty when it can.
+  std::string Unusable() const;
+
   void Start(const StepRequest& request, Done done) override;
   void CancelAll() override;
 
  private:
   struct Running {
-    std::unique_ptr<QProcess> process;
+    pid_t supervisor = -1;
+    int ended_file = -1;  // Readable when the supervisor has ended.
+    std::unique_ptr<QSocketNotifier> ended;
     std::string outcome_file;
     Done done;
   };

@@ -24,7 +24,7 @@ ToolFinder::ToolFinder(const std::string& toolchain, const std::string& work_dir
   std::istringstream list(path ? path : "");
   for (std::string folder; std::getline(list, folder, ':');)
     folders_.push_back(folder.empty() ? "." : folder);
-  folders_.push_back(own_folder);
+  folders_.push_back(own_folder + "/../libexec/vostrand");
 }
 
 std::string ToolFinder::Find(const std::string& program) const {

@@ -5,8 +5,8 @@
 
 namespace vostrand {
 
-/// Finds the programs of planned commands: in the folder given with --toolchain, in PATH, and last beside the
-/// host itself. A name with "/" is looked up in the working directory alone.
+/// Finds the programs of planned commands: in the folder given with --toolchain, in PATH, and last where the
+/// tool chain is installed with the host. A name with "/" is looked up in the working directory alone.
 class ToolFinder {
  public:
   ToolFinder(const std::string& toolchain, const std::string& work_dir, const std::string& own_folder);

@@ -16,6 +16,7 @@ class RunLines final : public Observer {
   void On(const Event& event) override;
 
  private:
+  void Say(std::size_t run, const std::string& message) const;
   void ShowEndOf(const std::string& output_file) const;
 
   const std::vector<PlannedRun> plan_;

@@ -79,7 +79,7 @@ std::string WhyNoToolArgument(const CLI::App& parser, const std::string& word) {
   if (Find(parser, word))
     return NameOf(word) + " is a host option: it stands in front of the tool arguments.";
   std::vector<std::string> known = LibrarySwitches();
-  if (std::find(known.begin(), known.end(), word) != known.end() || word == "--h") return {};
+  if (std::find(known.begin(), known.end(), word) != known.end()) return {};
   for (const CLI::Option* option : parser.get_options()) known.push_back("--" + option->get_lnames().at(0));
   const std::string closest = ClosestTo(NameOf(word), known);
   return "unknown option " + word + (closest.empty() ? "." : "; did you mean " + closest + "?");
@@ -101,7 +101,7 @@ CommandLine ReadCommandLine(const std::vector<std::string>& arguments) {
   }
   const bool ended = word != arguments.end() && *word == "--";
   line.tool.assign(ended ? word + 1 : word, arguments.end());
-  if (line.tool.size() == 1 && arguments.size() == 1 && line.tool[0] == "-h") {
+  if (!ended && line.tool == std::vector<std::string>{"-h"}) {
     line.host.show_help = true;
     return line;
   }

@@ -14,13 +14,12 @@ namespace {
 namespace fs = std::filesystem;
 
 // How many folders above the working directory the names lead.
-std::ptrdiff_t LevelsAbove(const ToolFiles& files) {
+std::ptrdiff_t LevelsAbove(const std::vector<std::string>& names) {
   std::ptrdiff_t most = 0;
-  for (const auto* list : {&files.written, &files.read})
-    for (const std::string& name : *list) {
-      const fs::path path(name);
-      most = std::max<std::ptrdiff_t>(most, std::count(path.begin(), path.end(), fs::path("..")));
-    }
+  for (const std::string& name : names) {
+    const fs::path path(name);
+    most = std::max<std::ptrdiff_t>(most, std::count(path.begin(), path.end(), fs::path("..")));
+  }
   return most;
 }
 
@@ -32,15 +31,17 @@ fs::path ScratchWorkDir(const fs::path& scratch, std::ptrdiff_t levels_above) {
   return folder;
 }
 
-void CopyWhatPlanningReads(const ToolFiles& files, const fs::path& work_dir, const fs::path& scratch) {
-  for (const auto* list : {&files.written, &files.read})
-    for (const std::string& name : *list) {
-      if (fs::path(name).is_absolute()) continue;
-      std::error_code ignored;  // What cannot be copied is missing there as it is here.
-      if (!fs::is_directory((work_dir / name).parent_path(), ignored)) continue;
+// What cannot be copied is missing in the scratch folder as it is here.
+void PrepareScratch(const ToolFiles& files, const fs::path& work_dir, const fs::path& scratch) {
+  std::error_code ignored;
+  std::vector<std::string> names = files.Written();
+  names.push_back(files.design);
+  for (const std::string& name : names)
+    if (!fs::path(name).is_absolute() && fs::is_directory((work_dir / name).parent_path(), ignored))
       fs::create_directories((scratch / name).parent_path(), ignored);
-      fs::copy_file(work_dir / name, scratch / name, ignored);
-    }
+  fs::copy_file(work_dir / files.par_commands, scratch / files.par_commands, ignored);
+  if (!fs::path(files.design).is_absolute())  // Only looked at.
+    fs::create_symlink(fs::absolute(work_dir / files.design), scratch / files.design, ignored);
 }
 
 void ShowPlan(LibraryRun& library) {
@@ -55,19 +56,23 @@ void ShowPlan(LibraryRun& library) {
 
 int DryRun(const std::vector<std::string>& tool_arguments, const std::string& work_dir) {
   const ToolFiles files = FilesOf(tool_arguments);
-  for (const std::string& name : files.written)
+  std::vector<std::string> names = files.Written();
+  for (const std::string& name : names)
     if (fs::path(name).is_absolute()) {
       std::cerr << "vostrand: --dry-run cannot plan with " << name
                 << ": planning writes it, and an absolute name has no copy in a scratch folder\n";
       return 2;
     }
+  const std::string refusal = WhyRunNamesAreRefused(files, work_dir);
   const QTemporaryDir scratch;
-  if (!scratch.isValid()) {
-    std::cerr << "vostrand: cannot make a scratch folder: " << scratch.errorString().toStdString() << "\n";
+  if (!refusal.empty() || !scratch.isValid()) {
+    const std::string no_scratch = "cannot make a scratch folder: " + scratch.errorString().toStdString();
+    std::cerr << "vostrand: " << (refusal.empty() ? no_scratch : refusal) << "\n";
     return 2;
   }
-  const fs::path folder = ScratchWorkDir(scratch.path().toStdString(), LevelsAbove(files));
-  CopyWhatPlanningReads(files, work_dir.empty() ? "." : work_dir, folder);
+  names.push_back(files.design);
+  const fs::path folder = ScratchWorkDir(scratch.path().toStdString(), LevelsAbove(names));
+  PrepareScratch(files, work_dir.empty() ? "." : work_dir, folder);
   LibraryRun library(folder, true);
   const int code = library.Plan(tool_arguments);
   if (code == 0) ShowPlan(library);

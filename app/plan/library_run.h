@@ -23,6 +23,8 @@ class LibraryRun {
   void CallBack(std::size_t run, std::size_t step);
   bool StopRequested() const { return record_.stopRequested; }
   void Report();
+  /// After the report: false when it could not write its file.
+  bool HasReportFile() const { return !logger_.HasHeard("Unable to write report file "); }
   /// Ends the tool run with the program's exit code, which it returns.
   int Exit(int code);
 

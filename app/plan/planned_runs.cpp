@@ -18,7 +18,9 @@ PlannedRun WithFiles(const std::string& name, const LibraryRun& library) {
   if (library.Info().multiRun) {
     const std::string stem = output + "/" + name;
     run.output_file = stem + ".out";
-    run.leftovers = {run.output_file, stem + ".dir", stem + ".par", stem + ".twr"};
+    for (const char* const extension : {".out", ".par", ".twr", ".ncd", ".pad", ".dly", ".icf"})
+      run.leftovers.push_back(stem + extension);
+    run.leftover_folder = stem + ".dir";
   } else {
     const std::string stem = output.substr(0, output.size() - 4);
     run.output_file = stem + ".out";
@@ -29,14 +31,9 @@ PlannedRun WithFiles(const std::string& name, const LibraryRun& library) {
 
 }  // namespace
 
-std::vector<PlannedRun> PlannedRuns(LibraryRun& library, std::string& refusal) {
+std::vector<PlannedRun> PlannedRuns(LibraryRun& library) {
   std::vector<PlannedRun> runs;
   for (const auto& seed : library.Seeds()) {
-    if (!FitsCommandLine(seed.name) || seed.name.find('/') != std::string::npos) {
-      refusal =
-          "the plan names a run \"" + seed.name + "\": a name with blanks, quotes or \"/\" cannot be run";
-      return {};
-    }
     PlannedRun run = WithFiles(seed.name, library);
     for (const STEP& step : seed.steps)
       run.steps.push_back(
@@ -46,11 +43,14 @@ std::vector<PlannedRun> PlannedRuns(LibraryRun& library, std::string& refusal) {
   return runs;
 }
 
-void RemoveLeftovers(const PlannedRun& run) {
-  for (const std::string& leftover : run.leftovers) {
-    std::error_code ignored;  // What cannot be removed makes the tool fail, which says why.
-    std::filesystem::remove_all(leftover, ignored);
-  }
+std::string RemoveLeftovers(const PlannedRun& run) {
+  std::error_code error;
+  for (const std::string& file : run.leftovers)
+    if (!std::filesystem::remove(file, error) && error)
+      return "cannot remove " + file + ": " + error.message();
+  if (run.leftover_folder.empty()) return {};
+  std::filesystem::remove_all(run.leftover_folder, error);
+  return error ? "cannot remove " + run.leftover_folder + ": " + error.message() : "";
 }
 
 }  // namespace vostrand

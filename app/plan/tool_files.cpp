@@ -1,9 +1,11 @@
 #include "plan/tool_files.h"
 
-#include <memory>
+#include <fstream>
 
 #include "context/globals.h"
+#include "plan/command_words.h"
 #include "support/file_names.h"
+#include "support/option_strings.h"
 #include "ut/cmdargs.h"
 
 namespace vostrand {
@@ -12,7 +14,7 @@ namespace {
 void NoHelp() {}
 
 ToolFiles OfBaseName(const std::string& base) {
-  return {{base + ".p2t", base + ".log", base + ".ncd", base + ".csv"}, {base + "_map.ncd"}};
+  return {base + ".p2t", base + ".log", base + ".csv", base + ".ncd", base + "_map.ncd"};
 }
 
 bool IsSwitch(const std::string& argument) {
@@ -26,22 +28,32 @@ ToolFiles FilesOf(const std::vector<std::string>& tool_arguments) {
   if (tool_arguments.size() == 2) return OfBaseName(tool_arguments[IsSwitch(tool_arguments[0]) ? 1 : 0]);
 
   std::vector<std::string> copy = tool_arguments;
-  std::vector<char*> argv = {const_cast<char*>("vostrand")};
+  copy.insert(copy.begin(), "vostrand");
+  std::vector<char*> argv;
   for (std::string& argument : copy) argv.push_back(argument.data());
   argv.push_back(nullptr);
-  const UT_CMDARGS parser(static_cast<int>(argv.size()) - 1, argv.data(),
+  const UT_CMDARGS parser(static_cast<int>(copy.size()), argv.data(),
                           orlo::vostrand_lib::cmdformat.getstring(), NoHelp, 0);
-  ToolFiles files;
-  if (parser.helpShown || !parser.error().empty()) return files;
-  const auto add = [&](std::vector<std::string>& list, const char* name) {
+  if (parser.helpShown || !parser.error().empty()) return {};
+  const auto value_of = [&](const char* name) -> std::string {
     const UT_SWITCH* const given = parser.getsw(name, 0);
-    if (given && given->count > 0)
-      list.push_back(orlo::vostrand_lib::GetCleanFileName(given->values[0]).getstring());
+    if (!given || given->count == 0) return {};
+    return orlo::vostrand_lib::GetCleanFileName(given->values[0]).getstring();
   };
-  for (const char* const name : {"-p", "-log", "-o"}) add(files.written, name);
-  files.read.push_back(*parser.getarg(0));
-  files.written.push_back(*parser.getarg(1));
-  return files;
+  return {value_of("-p"), value_of("-log"), value_of("-o"), *parser.getarg(1), *parser.getarg(0)};
+}
+
+std::string WhyRunNamesAreRefused(const ToolFiles& files, const std::string& work_dir) {
+  const UT_STROBJ path = orlo::vostrand_lib::GenerateFilePath(work_dir.c_str(), files.par_commands.c_str());
+  std::ifstream lines(path.getstring());
+  UT_STROBJ level;
+  for (std::string line; std::getline(lines, line);)
+    if (line.find("-l ") != std::string::npos)
+      level = orlo::vostrand_lib::GetOptionValue(line.c_str(), "-l ").trimmed();
+  const std::string name = level.getstring();
+  if (FitsCommandLine(name) && name.find('/') == std::string::npos) return {};
+  return "the level \"" + name + "\" in " + path.getstring() +
+         " makes run names with blanks, quotes or \"/\", which cannot be run";
 }
 
 }  // namespace vostrand

@@ -13,7 +13,10 @@ Ranking::Ranking(LibraryRun& library)
     : library_(library), weights_(library.Info().weights), results_(library.Seeds().size()) {
   for (std::size_t i = 0; i < results_.size(); ++i) {
     results_[i].name = library.Seeds()[i].name.c_str();
-    const std::string file = library.OutputPath() + "/" + library.Seeds()[i].name + ".par";
+    const std::string output = library.OutputPath();
+    // The library looks for no result of a single run; it is shown all the same.
+    const std::string file = library.Info().multiRun ? output + "/" + library.Seeds()[i].name + ".par"
+                                                     : output.substr(0, output.size() - 4) + ".par";
     results_[i].valid = GetParResult(file.c_str(), results_[i]);
   }
 }
@@ -40,8 +43,7 @@ std::vector<RankedRun> Ranking::Ordered() {
   const int count = static_cast<int>(order.size());
   if (info.noTiming)
     sortscore(results_.data(), count, order.data());
-  else if (!library_.Logger().HasHeard(
-               "Unable to write report file "))  // Then the library keeps the plan's order.
+  else if (library_.HasReportFile())  // Without one the library keeps the plan's order.
     sortscore(scores.data(), results_.data(), count, order.data());
 
   std::vector<RankedRun> ranked;

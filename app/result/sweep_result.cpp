@@ -50,11 +50,12 @@ int ExitCode(const SweepResult& result) {
   return result.Failed() > 0 ? 4 : 0;
 }
 
-void CheckFiles(const LibraryRun& library, SweepResult& result) {
+void CheckFiles(const LibraryRun& library, std::filesystem::file_time_type began, SweepResult& result) {
   const auto& info = library.Info();
   const auto demand = [&](const std::string& file) {
     std::error_code error;
-    const bool there = std::filesystem::is_regular_file(file, error);
+    const bool there = std::filesystem::is_regular_file(file, error) &&
+                       std::filesystem::last_write_time(file, error) >= began;
     (there ? result.best_files : result.missing).push_back(file);
   };
   if (result.Finished() == 0) return;
@@ -65,26 +66,28 @@ void CheckFiles(const LibraryRun& library, SweepResult& result) {
   if (info.multiRun) demand(stem + ".par");
   if (info.noTiming) return;
   demand(stem + ".twr");
-  const std::string report = library.PathOf(info.reportFile.getstring());
-  std::error_code error;
-  if (library.WorkDir().empty() && report.empty()) return;
-  if (!std::filesystem::is_regular_file(report, error)) result.missing.push_back(report);
+  if (!library.HasReportFile()) result.missing.push_back(library.PathOf(info.reportFile.getstring()));
 }
 
 std::string SummaryText(const SweepResult& result) {
+  std::size_t width = 16;
+  for (const RankedRun& run : result.ranking) width = std::max(width, result.runs[run.run].name.size());
+  const auto row = [&](std::string rank, std::string name, std::string score, const std::string& timing) {
+    rank.insert(0, 4 - std::min<std::size_t>(4, rank.size()), ' ');
+    name.resize(width, ' ');
+    score.insert(0, 12 - std::min<std::size_t>(12, score.size()), ' ');
+    return rank + "  " + name + " " + score + "  " + timing + "\n";
+  };
   std::string text;
-  if (!result.ranking.empty()) text += Format("%4s  %-16s %12s  %s\n", "rank", "run", "score", "timing");
+  if (!result.ranking.empty()) text += row("rank", "run", "score", "timing");
   int rank = 0;
   for (const RankedRun& run : result.ranking)
-    text += Format("%4d  %-16s %12s  %s\n", ++rank, result.runs[run.run].name.c_str(),
-                   run.has_score ? Format("%.3f", static_cast<double>(run.score)).c_str() : "-",
-                   TimingText(run).c_str());
+    text += row(std::to_string(++rank), result.runs[run.run].name,
+                run.has_score ? Format("%.3f", static_cast<double>(run.score)) : "-", TimingText(run));
   text += Format("%zu finished, %zu failed, %zu cancelled\n", result.Finished(), result.Failed(),
                  result.Cancelled());
-  if (!result.ranking.empty()) {
-    text += "best: " + result.runs[result.ranking.front().run].name + "\n";
-    for (const std::string& file : result.best_files) text += "  " + file + "\n";
-  }
+  if (!result.ranking.empty()) text += "best: " + result.runs[result.ranking.front().run].name + "\n";
+  for (const std::string& file : result.best_files) text += "  " + file + "\n";
   for (const std::string& file : result.missing) text += "missing: " + file + "\n";
   return text;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -28,9 +29,9 @@ struct SweepResult {
 
 /// The program's exit code:
 ///
-///   | code     | when                                                           |
-///   |----------|----------------------------------------------------------------|
-///   | 130, 143 | interrupted by SIGINT, SIGTERM                                 |
+///   | code          | when                                                        |
+///   |---------------|-------------------------------------------------------------|
+///   | 129, 130, 143 | interrupted by SIGHUP, SIGINT, SIGTERM                      |
 ///   | 5        | no run finished                                                |
 ///   | 6        | something asked for is missing: the report, a promoted file    |
 ///   | 4        | some runs failed                                               |
@@ -39,8 +40,9 @@ struct SweepResult {
 /// The first that applies. Before a sweep: 2 for the host's own options, 1 and 3 from the library's planning.
 int ExitCode(const SweepResult& result);
 
-/// Notes in `result` where the best run's files are and what is missing.
-void CheckFiles(const LibraryRun& library, SweepResult& result);
+/// Notes in `result` where the best run's files are and what is missing: a file that is older than `began` is
+/// an earlier sweep's.
+void CheckFiles(const LibraryRun& library, std::filesystem::file_time_type began, SweepResult& result);
 
 /// The ranking, counts and best run, for people.
 std::string SummaryText(const SweepResult& result);

@@ -1,5 +1,6 @@
 // vostrand-step: the supervisor that every command of a plan runs under, on this machine or on another. It is
 // small and needs nothing but the C and C++ libraries, so that it can be started anywhere.
+#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -11,7 +12,14 @@ namespace {
 constexpr const char* usage =
     "usage: vostrand-step --outcome FILE [--output FILE] [--grace SECONDS] [--parent PID] -- PROGRAM "
     "[ARGUMENT ...]\n"
-    "Runs one program in a process group of its own and writes how it ended to the outcome file.\n";
+    "Runs the program with this path in a process group of its own and writes how it ended to the outcome "
+    "file.\n";
+
+bool read_number(const std::string& text, int& number) {
+  const char* const end = text.data() + text.size();
+  const auto read = std::from_chars(text.data(), end, number);
+  return read.ec == std::errc() && read.ptr == end && number >= 0;
+}
 
 int refuse(const std::string& why) {
   std::fprintf(stderr, "vostrand-step: %s\n%s", why.c_str(), usage);
@@ -30,16 +38,16 @@ int main(int argc, char** argv) {
       return 0;
     }
     if (i + 1 >= argc) return refuse(option + " needs a value");
+    const std::string value = argv[i + 1];
+    if (value == "--") return refuse(option + " needs a value");
     if (option == "--outcome")
-      command.outcome_file = argv[i + 1];
+      command.outcome_file = value;
     else if (option == "--output")
-      command.output_file = argv[i + 1];
-    else if (option == "--grace")
-      command.grace_seconds = std::stoi(argv[i + 1]);
-    else if (option == "--parent")
-      command.parent = std::stoi(argv[i + 1]);
-    else
+      command.output_file = value;
+    else if (option != "--grace" && option != "--parent")
       return refuse("unknown option " + option);
+    else if (!read_number(value, option == "--grace" ? command.grace_seconds : command.parent))
+      return refuse(option + " needs a whole number");
   }
   if (i + 1 >= argc) return refuse("no program to run");
   if (command.outcome_file.empty()) return refuse("--outcome is missing");

@@ -3,54 +3,56 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <memory>
+#include <cstdlib>
+#include <fstream>
 
 namespace vostrand::step {
 namespace {
 
-struct CloseFile {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
+constexpr const char* last_line = "end";
 
 // Whole numbers only: a decimal point would depend on the reader's locale.
-constexpr const char* format =
-    "exit_code %d\nsignal %d\ncancelled %d\nelapsed_us %ld\ncpu_us %ld\npeak_kib %ld\nend\n%n";
-
-long Microseconds(double seconds) {
-  return static_cast<long>(seconds * 1e6);
+std::string AsText(const Outcome& outcome) {
+  const auto microseconds = [](double seconds) { return std::to_string(static_cast<long>(seconds * 1e6)); };
+  return "exit_code " + std::to_string(outcome.exit_code) + "\nsignal " + std::to_string(outcome.signal) +
+         "\ncancelled " + std::to_string(outcome.cancelled) + "\nelapsed_us " +
+         microseconds(outcome.elapsed_seconds) + "\ncpu_us " + microseconds(outcome.cpu_seconds) +
+         "\npeak_kib " + std::to_string(outcome.peak_kib) + "\nmessage " + outcome.message + "\n" +
+         last_line + "\n";
 }
 
 }  // namespace
 
 bool WriteOutcome(const std::string& path, const Outcome& outcome) {
+  const std::string text = AsText(outcome);
   const std::string beside = path + ".tmp";
   std::FILE* const file = std::fopen(beside.c_str(), "we");
   if (!file) return false;
-  int length = 0;
-  std::fprintf(file, format, outcome.exit_code, outcome.signal, outcome.cancelled ? 1 : 0,
-               Microseconds(outcome.elapsed_seconds), Microseconds(outcome.cpu_seconds), outcome.peak_kib,
-               &length);
-  const bool written = std::fflush(file) == 0 && fsync(fileno(file)) == 0;
+  const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size() &&
+                       std::fflush(file) == 0 && fsync(fileno(file)) == 0;
   return std::fclose(file) == 0 && written && std::rename(beside.c_str(), path.c_str()) == 0;
 }
 
 bool ReadOutcome(const std::string& path, Outcome& outcome) {
-  const File file(std::fopen(path.c_str(), "re"));
-  if (!file) return false;
+  std::ifstream file(path);
   Outcome read;
-  int cancelled = 0;
-  long elapsed = 0;
-  long cpu = 0;
-  int length = 0;
-  const int values = std::fscanf(file.get(), format, &read.exit_code, &read.signal, &cancelled, &elapsed,
-                                 &cpu, &read.peak_kib, &length);
-  if (values != 6 || length == 0) return false;
-  read.cancelled = cancelled != 0;
-  read.elapsed_seconds = static_cast<double>(elapsed) / 1e6;
-  read.cpu_seconds = static_cast<double>(cpu) / 1e6;
-  outcome = read;
-  return true;
+  bool whole = false;
+  for (std::string line; std::getline(file, line);) {
+    const std::size_t blank = line.find(' ');
+    const std::string name = line.substr(0, blank);
+    const std::string value = blank == std::string::npos ? "" : line.substr(blank + 1);
+    const long number = std::atol(value.c_str());
+    if (name == "exit_code") read.exit_code = static_cast<int>(number);
+    if (name == "signal") read.signal = static_cast<int>(number);
+    if (name == "cancelled") read.cancelled = number != 0;
+    if (name == "elapsed_us") read.elapsed_seconds = static_cast<double>(number) / 1e6;
+    if (name == "cpu_us") read.cpu_seconds = static_cast<double>(number) / 1e6;
+    if (name == "peak_kib") read.peak_kib = number;
+    if (name == "message") read.message = value;
+    whole = name == last_line;
+  }
+  if (whole) outcome = read;
+  return whole;
 }
 
 }  // namespace vostrand::step

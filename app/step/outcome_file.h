@@ -12,6 +12,7 @@ struct Outcome {
   double elapsed_seconds = 0;  ///< Wall clock.
   double cpu_seconds = 0;      ///< User and system time of all its processes.
   long peak_kib = 0;           ///< Largest resident set of any of its processes.
+  std::string message;         ///< Why it could not be started; one line, empty otherwise.
 };
 
 /// Writes the outcome as lines "name value", beside the file first, so that it is there whole or not at all.

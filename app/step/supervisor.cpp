@@ -1,7 +1,6 @@
 #include "step/supervisor.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -9,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -49,6 +49,7 @@ class Group {
  private:
   [[noreturn]] void BecomeProgram(int failure_pipe);
   bool Start();
+  void NoteGroup() const;
   void WaitForAll();
   bool ReapOne();
   void End(int signal);
@@ -72,18 +73,19 @@ void Group::BecomeProgram(int failure_pipe) {
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
-  const int input = open("/dev/null", O_RDONLY);
-  dup2(input, STDIN_FILENO);
-  if (!command_.output_file.empty()) {
-    const int output = open(command_.output_file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
-    if (output >= 0) {
+  const char* failed = command_.output_file.c_str();
+  dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
+  int output = STDOUT_FILENO;
+  if (*failed) output = open(failed, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+  if (output >= 0) {
+    if (output != STDOUT_FILENO) {
       dup2(output, STDOUT_FILENO);
       dup2(output, STDERR_FILENO);
     }
+    failed = command_.arguments[0];
+    execv(failed, command_.arguments);
   }
-  execvp(command_.arguments[0], command_.arguments);
-  const int error = errno;
-  static_cast<void>(write(failure_pipe, &error, sizeof error) > 0);
+  dprintf(failure_pipe, "cannot %s %s: %s", output < 0 ? "write" : "start", failed, strerror(errno));
   _exit(cannot_start);
 }
 
@@ -95,12 +97,21 @@ bool Group::Start() {
   program_ = fork();
   if (program_ == 0) BecomeProgram(failure_pipe[1]);
   close(failure_pipe[1]);
-  int error = 0;
-  const bool failed = program_ < 0 || read(failure_pipe[0], &error, sizeof error) > 0;
+  char why[512];
+  const ssize_t length = program_ < 0 ? 0 : read(failure_pipe[0], why, sizeof why);
   close(failure_pipe[0]);
-  if (failed)
-    std::fprintf(stderr, "vostrand-step: cannot start %s: %s\n", command_.arguments[0], strerror(error));
-  return !failed;
+  if (length > 0) outcome_.message.assign(why, static_cast<std::size_t>(length));
+  if (program_ < 0) outcome_.message = std::string("cannot start a process: ") + strerror(errno);
+  if (!outcome_.message.empty()) std::fprintf(stderr, "vostrand-step: %s\n", outcome_.message.c_str());
+  return outcome_.message.empty();
+}
+
+// For whoever has to end the group when the supervisor is killed.
+void Group::NoteGroup() const {
+  if (std::FILE* const file = std::fopen((command_.outcome_file + ".group").c_str(), "we")) {
+    std::fprintf(file, "%d\n", program_);
+    std::fclose(file);
+  }
 }
 
 void Group::End(int signal) {
@@ -156,6 +167,8 @@ int Group::Finish() {
   outcome_.elapsed_seconds = Now() - began_;
   outcome_.cpu_seconds = Seconds(usage.ru_utime) + Seconds(usage.ru_stime);
   outcome_.peak_kib = usage.ru_maxrss;
+  // Something else has waited for the program: how it ended is not known.
+  if (!program_ended_) status_ = W_EXITCODE(cannot_write, 0);
   if (WIFSIGNALED(status_)) outcome_.signal = WTERMSIG(status_);
   outcome_.exit_code = outcome_.signal != 0 ? 128 + outcome_.signal : WEXITSTATUS(status_);
   return WriteOutcome(command_.outcome_file, outcome_) ? outcome_.exit_code : cannot_write;
@@ -165,12 +178,16 @@ int Group::Run() {
   prctl(PR_SET_CHILD_SUBREAPER, 1);
   prctl(PR_SET_PDEATHSIG, SIGTERM);
   if (command_.parent != 0 && getppid() != command_.parent) return cannot_start;  // It died in this moment.
+  // Whatever was inherited: an ignored SIGCHLD would hide the program's end, and the program starts with all
+  // of these.
+  for (const int signal : {SIGCHLD, SIGTERM, SIGINT, SIGHUP, SIGPIPE, SIGQUIT}) std::signal(signal, SIG_DFL);
   const sigset_t taken = TakenSignals();
   sigprocmask(SIG_BLOCK, &taken, nullptr);
   if (!Start()) {
     outcome_.exit_code = cannot_start;
     return WriteOutcome(command_.outcome_file, outcome_) ? cannot_start : cannot_write;
   }
+  NoteGroup();
   WaitForAll();
   return Finish();
 }

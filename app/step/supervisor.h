@@ -10,8 +10,7 @@ struct Command {
       output_file;        ///< Standard output and error are appended to it; empty means the supervisor's own.
   int grace_seconds = 2;  ///< Between SIGTERM and SIGKILL.
   int parent = 0;         ///< Process id of whoever starts the supervisor, when it must not outlive it.
-  char** arguments =
-      nullptr;  ///< The program, looked up in PATH, and its arguments, closed by a null pointer.
+  char** arguments = nullptr;  ///< The program's path and its arguments, closed by a null.
 };
 
 /// Runs the command in a process group of its own, with standard input from /dev/null, and waits until it and

@@ -151,8 +151,65 @@ TEST_F(HostTest, InterruptedSweepReportsWhatFinishedAndLeavesNothingRunning) {
   EXPECT_EQ(CsvOrder(), "5_1 ");
 }
 
+TEST_F(HostTest, GivesToolsTheirGraceUnlessAskedTwice) {
+  Write("w/behave/5_1", "trap 'sleep 0.3; echo cleaned >cleaned; exit 1' TERM\n" + std::string(sleeper));
+  for (const int signals : {1, 2}) {
+    std::filesystem::remove(Path("w/cleaned"));
+    std::filesystem::remove(Path("w/pid_5_1"));
+    Start({"--jobs", "1", "--toolchain", "tools", "--chdir", "w", "top"});
+    ASSERT_TRUE(WaitFor("w/pid_5_1"));
+    for (int i = 0; i < signals; ++i) {
+      kill(static_cast<pid_t>(process.processId()), SIGTERM);
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    EXPECT_EQ(Wait(), 143);
+    EXPECT_EQ(Exists("w/cleaned"), signals == 1);
+    EXPECT_NE(out.find("0 finished, 0 failed, 4 cancelled\n"), std::string::npos) << out;
+  }
+}
+
+TEST_F(HostTest, NothingOutlivesAKilledSupervisor) {
+  Write("w/behave/5_1", "sleep 60 & echo $! >pid.tmp; mv pid.tmp pid_$R; wait\n");
+  Start({"--jobs", "1", "--toolchain", "tools", "--chdir", "w", "top"});
+  ASSERT_TRUE(WaitFor("w/pid_5_1"));
+  std::system(("pkill -KILL -P " + std::to_string(process.processId())).c_str());
+  EXPECT_EQ(Wait(), 4);
+  EXPECT_TRUE(HasEnded("w/pid_5_1"));
+  EXPECT_NE(err.find("run 5_1: its supervisor ended without an outcome"), std::string::npos) << err;
+}
+
+TEST_F(HostTest, OneRunIsASingleDesignFile) {
+  Plan("-l 5");
+  Script("tools/par", "echo routing; echo design >\"$4\"\n");
+  Script("tools/sorv", "cp prepared/5_1.twr \"$2\"\n");
+  Write("w/top.ncd", "old");
+  EXPECT_EQ(Sweep(), 0) << err;
+  EXPECT_NE(out.find("best: 5_1\n  w/top.ncd\n  w/top.twr\n"), std::string::npos) << out;
+  EXPECT_EQ(Read("w/top.out"), "routing\n");
+}
+
+TEST_F(HostTest, AnEarlierSweepsFilesAreNoResult) {
+  EXPECT_EQ(Sweep(), 0);
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));  // A file system's clock is coarse.
+  Script("tools/par", "exit 0\n");
+  Script("tools/sorv", "exit 0\n");
+  EXPECT_EQ(Sweep(), 6);
+  EXPECT_NE(out.find("missing: w/top.ncd\n"), std::string::npos) << out;
+  EXPECT_EQ(out.find("  w/top.ncd\n"), std::string::npos) << out;
+}
+
+TEST_F(HostTest, GoesOnWhenNobodyReadsAndSaysWhenTheResultIsLost) {
+  Write("w/go.sh", "'" VOSTRAND_PROGRAM
+                   "' --toolchain tools --chdir w top 2>&1 >/dev/full | head -c 1\n"
+                   "exec '" VOSTRAND_PROGRAM "' --toolchain tools --chdir w top >/dev/full\n");
+  process.setWorkingDirectory(QString::fromStdString(Root()));
+  process.start("sh", {"w/go.sh"});
+  EXPECT_EQ(Wait(), 6) << err;
+  EXPECT_EQ(CsvOrder(), "5_3 5_4 5_2 5_1 ");
+}
+
 TEST_F(HostTest, NothingOutlivesAKilledHost) {
-  Write("w/behave/5_1", std::string("trap '' TERM\n") + sleeper);
+  Write("w/behave/5_1", "trap '' TERM\nsleep 60 & echo $! >pid.tmp; mv pid.tmp pid_$R; wait\n");
   Start({"--jobs", "1", "--toolchain", "tools", "--chdir", "w", "top"});
   ASSERT_TRUE(WaitFor("w/pid_5_1"));
   process.kill();
@@ -181,8 +238,11 @@ TEST_F(HostTest, RefusesBeforeAnythingIsCreated) {
   EXPECT_EQ(Run({"--jobs", "none", "top"}), 2);
   EXPECT_FALSE(Exists("w/my top.log"));
   Plan("-n 2 -l a/b");
+  Write("w/top.dir/5_1.par", "kept");
   EXPECT_EQ(Sweep(), 2);
-  EXPECT_NE(err.find("names a run \"a/b_1\""), std::string::npos) << err;
+  EXPECT_NE(err.find("the level \"a/b\" in w/top.p2t"), std::string::npos) << err;
+  EXPECT_EQ(Run({"--dry-run", "--chdir", "w", "top"}), 2);
+  EXPECT_EQ(Read("w/top.dir/5_1.par"), "kept");
   EXPECT_EQ(Run({}), 1);
   EXPECT_NE(err.find("Usage: vostrand {-p <file>}"), std::string::npos);
   EXPECT_EQ(Run({"--help"}), 0);

@@ -1,0 +1,4 @@
+import fabric
+
+fabric.set_timing(ctx)
+fabric.place_clock_pads(ctx)

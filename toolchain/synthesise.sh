@@ -1,0 +1,50 @@
+#!/bin/sh
+# Synthesises a Verilog design to the design file that par reads.
+set -eu
+
+usage="usage: vostrand-synth DESIGN.v TOP OUT_map.ncd"
+fail() {
+  code=$1
+  shift
+  printf 'vostrand-synth: error: %s\n' "$*" >&2
+  exit "$code"
+}
+
+[ $# -eq 3 ] || fail 1 "$usage"
+design=$1 top=$2 out=$3
+[ -r "$design" ] && [ ! -d "$design" ] || fail 2 "cannot read design \"$design\""
+case $design$top$out in *'"'* | *';'*) fail 1 'names must hold no " and no ;' ;; esac
+case $top in *[!A-Za-z0-9_]* | '') fail 1 "\"$top\" is no module name" ;; esac
+command -v yosys >/dev/null || fail 4 "yosys is not installed"
+
+# Beside this script in the build folder; installed beside par.
+here=$(dirname "$(readlink -f "$0")")
+engine=${VOSTRAND_ENGINE:-$here/engine}
+[ -d "$engine" ] || engine=$(dirname "$here")/libexec/vostrand/engine
+[ -r "$engine/synth.ys" ] || fail 4 "the engine's file \"$engine/synth.ys\" is missing; VOSTRAND_ENGINE can name its folder"
+
+# A temporary name in the same folder, so that a failed synthesis leaves nothing that looks finished.
+new=$out.new.$$
+work=$(mktemp -d) || fail 6 "cannot make a temporary folder"
+trap 'rm -rf "$new" "$work"' EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM
+if ! (: >"$new") 2>/dev/null; then fail 6 "cannot write \"$out\""; fi
+
+# Some of the synthesiser's commands take no name with blanks.
+ln -s "$(readlink -f "$engine")" "$work/engine"
+
+if ! yosys -q -p "
+  read_verilog -lib $work/engine/cells.v
+  read_verilog \"$design\"
+  hierarchy -check -top $top
+  script $work/engine/synth.ys generic:mapped
+  techmap -map $work/engine/map_cells.v
+  script $work/engine/synth.ys mapped:
+  write_json \"$new\"" >"$work/log" 2>&1; then
+  message=$(grep -m 1 'ERROR: ' "$work/log") || message=$(tail -n 3 "$work/log")
+  # What the last check found is in the warnings before its error.
+  case $message in *'check -assert'*) message=$(grep -m 1 'Warning: ' "$work/log") ;; esac
+  fail 2 "$(printf '%s\n' "$message" | sed 's/ERROR: //; s/Warning: //')"
+fi
+mv -f "$new" "$out"

@@ -30,6 +30,7 @@ ToolFiles FilesOf(const std::vector<std::string>& tool_arguments) {
   std::vector<std::string> copy = tool_arguments;
   copy.insert(copy.begin(), "vostrand");
   std::vector<char*> argv;
+  argv.reserve(copy.size() + 1);
   for (std::string& argument : copy) argv.push_back(argument.data());
   argv.push_back(nullptr);
   const UT_CMDARGS parser(static_cast<int>(copy.size()), argv.data(),

@@ -5,6 +5,10 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 runs=${1:-6}
+if ! [[ $runs =~ ^[1-9][0-9]?$ ]]; then
+  echo "usage: scripts/demo.sh [RUNS, 1 to 99]" >&2
+  exit 2
+fi
 scripts/install-deps.sh --tools
 cmake --preset release -DVOSTRAND_BUILD_TESTS=OFF -B build/demo >/dev/null
 cmake --build build/demo

@@ -17,6 +17,9 @@ case $design$top$out in *'"'* | *';'*) fail 1 'names must hold no " and no ;' ;;
 case $top in *[!A-Za-z0-9_]* | '') fail 1 "\"$top\" is no module name" ;; esac
 command -v yosys >/dev/null || fail 4 "yosys is not installed"
 
+[ ! -d "$out" ] || fail 6 "\"$out\" is a folder"
+if [ "$design" -ef "$out" ]; then fail 1 "the output would replace the design"; fi
+
 # Beside this script in the build folder; installed beside par.
 here=$(dirname "$(readlink -f "$0")")
 engine=${VOSTRAND_ENGINE:-$here/engine}
@@ -27,6 +30,7 @@ engine=${VOSTRAND_ENGINE:-$here/engine}
 new=$out.new.$$
 work=$(mktemp -d) || fail 6 "cannot make a temporary folder"
 trap 'rm -rf "$new" "$work"' EXIT
+trap 'exit 129' HUP
 trap 'exit 130' INT
 trap 'exit 143' TERM
 if ! (: >"$new") 2>/dev/null; then fail 6 "cannot write \"$out\""; fi
@@ -47,4 +51,6 @@ if ! yosys -q -p "
   case $message in *'check -assert'*) message=$(grep -m 1 'Warning: ' "$work/log") ;; esac
   fail 2 "$(printf '%s\n' "$message" | sed 's/ERROR: //; s/Warning: //')"
 fi
-mv -f "$new" "$out"
+# The synthesiser does not notice when a disk is full.
+[ "$(tail -n 1 "$new")" = "}" ] || fail 6 "cannot write \"$out\" whole: is the disk full?"
+mv -fT "$new" "$out"

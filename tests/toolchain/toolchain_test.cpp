@@ -1,6 +1,7 @@
 // The real tool chain on the example design. Effort 3 throughout: it is the fastest that heeds timing.
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -50,6 +51,7 @@ class ToolchainTest : public ::testing::Test {
                      const std::vector<std::string>& arguments, const std::string& engine = {}) {
     const Outcome outcome = toolchain::Run({.program = TOOL_FOLDER + program,
                                             .arguments = arguments,
+                                            .folder = {},
                                             .environment = {{"VOSTRAND_ENGINE", engine}},
                                             .time_limit = std::chrono::seconds(100)});
     EXPECT_EQ(outcome.exit_code, exit_code) << program << ": " << outcome.output;
@@ -176,6 +178,36 @@ TEST_F(ToolchainTest, Errors) {
     Expect(exit_code, message, program, arguments);
   for (const char* const name : {"e.par", "e.dir/e.ncd", "e.twr", "wrong.ncd"})
     EXPECT_FALSE(fs::exists(name)) << name;
+}
+
+TEST_F(ToolchainTest, TheUsersFilesAreSafe) {
+  const std::string preferences = ReadFile(example + "two_clock.prf", "");
+  Write("own.par", preferences);
+  Write("old.par", "an earlier result");
+  Write("opt.par", "-l 3");
+  Expect(1, "would replace the input", "par", {"map.ncd", "own.ncd", "own.par"});
+  Expect(1, "would replace the input", "par", {"-f", "opt.par", "map.ncd", "opt.ncd", "own.par"});
+  EXPECT_EQ(ReadFile("own.par", ""), preferences);
+  Expect(2, "cannot read design", "par", {"none.ncd", "old.ncd", "own.par"});
+  EXPECT_FALSE(fs::exists("old.par")) << "a failed run leaves no old result either";
+  Write("keep.v", ReadFile(example + "two_clock.v", ""));
+  Expect(1, "would replace the design", "vostrand-synth", {"keep.v", "two_clock", "keep.v"});
+
+  // To the analyser a path is a piece of script.
+  fs::create_directory("t[exit] $x {");
+  ::setenv("TMPDIR", (root + "/t[exit] $x {").c_str(), 1);
+  Expect(0, "", "sorv", {"-o", "odd.twr", "out/3_1.dir/3_1.ncd", "own.par"});
+  ::unsetenv("TMPDIR");
+
+  rlimit limit;
+  getrlimit(RLIMIT_FSIZE, &limit);
+  const rlimit full = {2000, limit.rlim_max};
+  ::signal(SIGXFSZ, SIG_IGN);
+  setrlimit(RLIMIT_FSIZE, &full);
+  Expect(6, "cannot write", "sorv", {"-o", "odd.twr", "out/3_1.dir/3_1.ncd", "own.par"});
+  Expect(2, "", "vostrand-synth", {"keep.v", "two_clock", "full.ncd"});
+  setrlimit(RLIMIT_FSIZE, &limit);
+  EXPECT_FALSE(fs::exists("odd.twr") || fs::exists("full.ncd"));
 }
 
 TEST_F(ToolchainTest, AnUnroutableDesignEnds) {

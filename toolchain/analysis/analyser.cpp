@@ -160,10 +160,12 @@ std::vector<PreferenceTiming> Analyse(const RoutedDesign& design,
   WriteFile(folder + "/cells.lib", CellLibrary(design.delays));
   WriteFile(folder + "/design.v", StructuralNetlist(design));
   WriteFile(folder + "/delays.sdf", WireDelays(design));
-  WriteFile(folder + "/analyse.tcl",
-            AnalyserScript(design, preferences, options, EngineFile("analyse.tcl"), folder));
+  WriteFile(folder + "/procedures.tcl", ReadFile(EngineFile("analyse.tcl"), "the analyser's procedures"));
+  WriteFile(folder + "/analyse.tcl", AnalyserScript(design, preferences, options, "procedures.tcl", "."));
+  // In the scratch folder by plain names: to the analyser a path is a piece of script.
   const Outcome outcome = Run({.program = "sta",
-                               .arguments = {"-no_splash", "-no_init", "-exit", folder + "/analyse.tcl"},
+                               .arguments = {"-no_splash", "-no_init", "-exit", "analyse.tcl"},
+                               .folder = folder,
                                .environment = {},
                                .time_limit = time_limit});
   if (outcome.timed_out)

@@ -8,14 +8,15 @@ namespace {
 
 std::size_t FindClock(const Ports& ports, Preference::Object object, const Word& name) {
   const bool by_net = object == Preference::Object::net;
+  bool is_known = false;
   for (std::size_t i = 0; i < ports.size(); ++i) {
     const Port& port = ports[i];
     const bool named =
         by_net ? std::count(port.nets.begin(), port.nets.end(), name.text) > 0 : port.name == name.text;
-    if (!named) continue;
-    if (!port.is_clock) throw name.Error(Quoted(name.text) + " clocks nothing in this design");
-    return i;
+    if (named && port.is_clock) return i;
+    is_known = is_known || named;  // An output may carry the clock's net too.
   }
+  if (is_known) throw name.Error(Quoted(name.text) + " clocks nothing in this design");
   throw name.Error(by_net ? "no clock net " + Quoted(name.text) + " in this design"
                           : "no port " + Quoted(name.text) + " in this design");
 }

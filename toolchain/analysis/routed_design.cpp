@@ -23,8 +23,13 @@ QJsonObject Parse(const std::string& text) {
   return QJsonDocument::fromJson(QByteArray::fromStdString(text)).object();
 }
 
+// A number that must be there: none must never be measured as 0.
+int Number(const QJsonValue& value) {
+  return value.isDouble() ? value.toInt() : throw std::out_of_range("a number is missing");
+}
+
 std::array<int, 4> FourDelays(const QJsonValue& array) {
-  return {array[0].toInt(), array[1].toInt(), array[2].toInt(), array[3].toInt()};
+  return {Number(array[0]), Number(array[1]), Number(array[2]), Number(array[3])};
 }
 
 void ReadCells(const QJsonArray& cells, RoutedDesign& design) {
@@ -44,7 +49,7 @@ void ReadArcs(const QJsonArray& arcs, RoutedDesign& design) {
     design.arcs.push_back({.from = cell(arc[0]),
                            .to = cell(arc[1]),
                            .pin = arc[2].toString().toStdString(),
-                           .delay = arc[3].toInt()});
+                           .delay = Number(arc[3])});
 }
 
 void ReadReport(const QJsonObject& report, RoutedDesign& design) {
@@ -79,7 +84,10 @@ std::string MakeRoutedFile(const std::string& netlist, const std::string& report
 }
 
 int UnroutedIn(const std::string& timing) {
-  return ParseWhole(timing, "a list of delays")["unrouted"].toInt();
+  const QJsonValue unrouted = ParseWhole(timing, "a list of delays")["unrouted"];
+  if (!unrouted.isDouble())
+    throw Failure(ExitCode::engine, "the engine left no count of unrouted connections");
+  return unrouted.toInt();
 }
 
 RoutedDesign ParseRoutedFile(const std::string& text, const std::string& path) {
@@ -100,13 +108,15 @@ RoutedDesign ParseRoutedFile(const std::string& text, const std::string& path) {
     const QJsonValue delays = timing["delays"];
     design.delays = {.lut = FourDelays(delays["lut"]),
                      .setup = FourDelays(delays["setup"]),
-                     .hold = delays["hold"].toInt(),
-                     .clock_to_out = delays["clock_to_out"].toInt(),
-                     .pad_out = delays["pad_out"].toInt()};
+                     .hold = Number(delays["hold"]),
+                     .clock_to_out = Number(delays["clock_to_out"]),
+                     .pad_out = Number(delays["pad_out"])};
+    design.unrouted = Number(timing["unrouted"]);
     ReadReport(own["report"].toObject(), design);
   } catch (const std::out_of_range&) {
     throw fail("is damaged");
   }
+  if (design.unrouted != 0) throw fail("is not routed completely");
   design.engine = file["creator"].toString().toStdString();
   return design;
 }

@@ -40,6 +40,7 @@ struct RoutedDesign {
     int available = 0;
   };
 
+  int unrouted = 0;  ///< Connections; a design with any is not taken.
   Ports ports;
   std::vector<Cell> cells;
   std::vector<Arc> arcs;

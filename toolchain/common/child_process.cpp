@@ -63,6 +63,7 @@ Outcome Run(const Command& command) {
   using Clock = std::chrono::steady_clock;
   CheckSignals();
   QProcess process;
+  process.setWorkingDirectory(QString::fromStdString(command.folder));
   Prepare(process, command);
   const Clock::time_point deadline = Clock::now() + command.time_limit;
   process.start();

@@ -11,6 +11,7 @@ namespace toolchain {
 struct Command {
   std::string program;  ///< Searched on the PATH.
   std::vector<std::string> arguments;
+  std::string folder;                              ///< To run in; empty means our own.
   std::map<std::string, std::string> environment;  ///< In addition to our own.
   std::chrono::seconds time_limit;
 };

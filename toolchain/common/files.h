@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace toolchain {
 
@@ -13,6 +14,9 @@ void WriteFile(const std::string& path, std::string_view text);
 
 /// Removes a file, if there is one.
 void RemoveFile(const std::string& path);
+
+/// Fails when an output is the same file as an input: the user's own files are never replaced.
+void RequireApart(const std::vector<std::string>& inputs, const std::vector<std::string>& outputs);
 
 /// The path of one of the engine's files: in the folder of VOSTRAND_ENGINE when that is set, otherwise in
 /// `engine/` beside the program.

@@ -31,6 +31,7 @@ class Sorter {
       const bool takes_value = rule ? rule->takes_value : dropped->takes_value;
       if (takes_value && at + 1 == words.size()) throw word.Error("option " + word.text + " needs a value");
       const Word value = takes_value ? words[++at] : Word();
+      if (names_file) sorted.files.push_back(value.text);
       if (names_file)
         Sort(SplitWords(ReadSource(value.text, "options file")), true);
       else if (rule)

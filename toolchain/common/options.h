@@ -22,6 +22,7 @@ struct Option {
 struct Arguments {
   std::vector<Option> options;  ///< In the order given, those of an options file in the place of its "-f".
   std::vector<Word> operands;
+  std::vector<std::string> files;  ///< The options files that were read.
 };
 
 /// Sorts the words of a command line. "-f FILE" reads more options from a file, whose words may stand on any

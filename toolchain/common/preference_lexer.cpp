@@ -60,8 +60,10 @@ Token PreferenceLexer::Take() {
               .word = {.text = {}, .source = source_, .line = line_, .column = column_}};
   const char first = line[column_];
   if (first == '"') {
-    const std::size_t end = line.find_first_of("\"#", column_ + 1);
-    if (end == std::string::npos || line[end] == '#') throw token.word.Error("the quote is not closed");
+    // Readers of reports take a ";" in a name for the statement's end.
+    const std::size_t end = line.find_first_of("\"#;", column_ + 1);
+    if (end == std::string::npos || line[end] != '"')
+      throw token.word.Error("the quote is not closed; a name holds no \"#\" and no \";\"");
     token.kind = Token::Kind::name;
     token.word.text = line.substr(column_ + 1, end - column_ - 1);
     column_ = end + 1;

@@ -27,14 +27,14 @@ class StatementReader {
   std::optional<Preference> Read() {
     Preference preference;
     preference.text = statement_.text;
+    // A report's row is 40 characters of it, and one that begins with a dash ends the table.
+    if (preference.text.find(std::string(40, '-')) != std::string::npos)
+      throw Next().word.Error("the statement, comments between its lines included, holds 40 dashes in a row");
     preference.kind = TakeKind();
     if (Next().kind == Token::Kind::end) return std::nullopt;
-    if (preference.IsClock()) {
-      ReadObject(preference);
-      ReadValue(preference);
-    } else {
-      ReadObject(preference);
-      ReadValue(preference);
+    ReadObject(preference);
+    ReadValue(preference);
+    if (!preference.IsClock()) {
       preference.clock_object = TakeOneOf(
           {{"CLKPORT", Preference::Object::port}, {"CLKNET", Preference::Object::net}}, "CLKPORT or CLKNET");
       preference.clock = TakeName();

@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 
+#include "common/files.h"
 #include "common/options.h"
 #include "common/text.h"
 
@@ -49,9 +50,6 @@ void SetOutput(const Word& out, ParRequest& request) {
   }
   const fs::path parent = path.has_parent_path() ? path.parent_path() : ".";
   if (!fs::is_directory(parent)) throw out.Error("there is no folder " + Quoted(parent.string()));
-  std::error_code different;
-  if (fs::equivalent(request.design, request.netlist, different))
-    throw out.Error("the output would replace the design");
 }
 
 }  // namespace
@@ -66,6 +64,9 @@ ParRequest ReadParCommandLine(int argc, char** argv) {
   request.design = arguments.operands[0].text;
   request.preferences = arguments.operands[2].text;
   SetOutput(arguments.operands[1], request);
+  std::vector<std::string> inputs = arguments.files;
+  inputs.insert(inputs.end(), {request.design, request.preferences});
+  RequireApart(inputs, {request.netlist, request.pins, request.report});
   return request;
 }
 

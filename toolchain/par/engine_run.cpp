@@ -101,6 +101,7 @@ EngineFiles PlaceAndRoute(const ParRequest& request) {
                                "--log",
                                in_scratch("log"),
                                "-q"},
+                 .folder = {},
                  .environment = {{"VOSTRAND_TIMING", in_scratch("timing")}},
                  .time_limit = TimeLimit(request)};
   const std::vector<std::string>& effort = EffortAt(request.effort).arguments;

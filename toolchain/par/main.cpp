@@ -32,10 +32,10 @@ void PlaceAndRouteOnce(int argc, char** argv) {
   CatchSignals();
   const auto start = std::chrono::steady_clock::now();
   const ParRequest request = ReadParCommandLine(argc, argv);
+  RemoveOldOutput(request);
   const Ports ports = PortsOfDesign(ReadFile(request.design, "design file"), request.design);
   // Before the engine starts: a misspelt name should not cost a run.
   const std::vector<BoundPreference> preferences = Bind(ReadPreferences(request.preferences), ports);
-  RemoveOldOutput(request);
 
   const EngineFiles files = PlaceAndRoute(request);
   const std::string routed = MakeRoutedFile(files.netlist, files.report, files.timing, ports);

@@ -82,9 +82,8 @@ std::string ParReport(const ParRequest& request, const RoutedDesign& design,
                       const std::vector<BoundPreference>& preferences,
                       const std::vector<PreferenceTiming>& results, std::chrono::seconds run_time) {
   const auto seconds = static_cast<long long>(run_time.count());
-  // Only complete routes get as far as here, so that no connection is unrouted.
   return Header(request, design) + "\n" + PreferenceTable(preferences, results) + "\n" + results_heading +
-         Column(request.row_name + "   *") + Column("0") +
+         Column(request.row_name + "   *") + Column(std::to_string(design.unrouted)) +
          ResultColumns(Summarise(results, &PreferenceTiming::setup)) +
          ResultColumns(Summarise(results, &PreferenceTiming::hold)) +
          Column(Format("%02lld:%02lld", seconds / 60, seconds % 60)) + "Complete\n\n" +

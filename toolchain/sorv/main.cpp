@@ -1,6 +1,5 @@
 // Reports the timing of a routed design. Everything it needs of the device is in the design, so the engine
 // does not run.
-#include <filesystem>
 #include <string>
 
 #include "common/child_process.h"
@@ -32,20 +31,18 @@ SorvRequest ReadSorvCommandLine(int argc, char** argv) {
   if (request.report.empty() || arguments.operands.size() != 2) throw UsageError(usage);
   request.design = arguments.operands[0].text;
   request.preferences = arguments.operands[1].text;
-  for (const std::string& input : {request.design, request.preferences}) {
-    std::error_code different;
-    if (std::filesystem::equivalent(input, request.report, different))
-      throw Failure(ExitCode::usage, "the report would replace " + Quoted(input));
-  }
+  std::vector<std::string> inputs = arguments.files;
+  inputs.insert(inputs.end(), {request.design, request.preferences});
+  RequireApart(inputs, {request.report});
   return request;
 }
 
 void ReportTiming(int argc, char** argv) {
   CatchSignals();
   const SorvRequest request = ReadSorvCommandLine(argc, argv);
+  RemoveFile(request.report);  // A failed run must leave nothing that looks like its result.
   const RoutedDesign design = ParseRoutedFile(ReadFile(request.design, "design"), request.design);
   const std::vector<BoundPreference> preferences = Bind(ReadPreferences(request.preferences), design.ports);
-  RemoveFile(request.report);  // A failed run must leave nothing that looks like its result.
   const std::vector<PreferenceTiming> results =
       Analyse(design, preferences, {.ideal_clocks = false, .paths = request.paths});
   CheckSignals();

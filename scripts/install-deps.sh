@@ -13,6 +13,7 @@ packages=(
   clang                                # the other compiler
   libgtest-dev                         # tests
   locales                              # tests in other locales
+  procps                               # tests that end processes
   clang-format clang-tidy              # style and checks
 )
 

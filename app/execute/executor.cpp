@@ -50,7 +50,7 @@ void Executor::StartStep(std::size_t run, std::size_t step) {
     Tell(Event::Kind::step_started, run, step);
     if (!planned.IsCallback()) {
       launcher_.Start({run, step, planned.words, plan_[run].output_file},
-                      [this, run, step](const StepResult& result) { StepEnded(run, step, result); });
+                      [this, run, step](const step::Outcome& outcome) { StepEnded(run, step, outcome); });
       return;
     }
     hooks_.call_back(run, step);
@@ -59,15 +59,15 @@ void Executor::StartStep(std::size_t run, std::size_t step) {
   EndRun(run, 0);
 }
 
-void Executor::StepEnded(std::size_t run, std::size_t step, const StepResult& result) {
+void Executor::StepEnded(std::size_t run, std::size_t step, const step::Outcome& outcome) {
   Event event(Event::Kind::step_finished, run, step);
-  event.outcome = result.outcome;
+  event.outcome = outcome;
   observer_.On(event);
-  const bool stopped = cancelled_ && (result.outcome.cancelled || step + 1 < plan_[run].steps.size());
+  const bool stopped = cancelled_ && (outcome.cancelled || step + 1 < plan_[run].steps.size());
   if (stopped)
     EndRun(run, cancelled_status);
-  else if (result.outcome.exit_code != 0)
-    EndRun(run, result.outcome.exit_code);
+  else if (outcome.exit_code != 0)
+    EndRun(run, outcome.exit_code);
   else
     StartStep(run, step + 1);
   StartRuns();

@@ -36,7 +36,7 @@ class Executor {
  private:
   void StartRuns();
   void StartStep(std::size_t run, std::size_t step);
-  void StepEnded(std::size_t run, std::size_t step, const StepResult& result);
+  void StepEnded(std::size_t run, std::size_t step, const step::Outcome& outcome);
   void EndRun(std::size_t run, int status, const std::string& message = {});
   void FinishIfIdle();
   void Tell(Event::Kind kind, std::size_t run = 0, std::size_t step = 0, int status = 0);

@@ -17,15 +17,10 @@ struct StepRequest {
   std::string output_file;         ///< Standard output and error are appended to it.
 };
 
-/// How a command ended.
-struct StepResult {
-  step::Outcome outcome;
-};
-
 /// Where and how commands run: on this machine, on a cluster, or, in tests, nowhere.
 class Launcher {
  public:
-  using Done = std::function<void(const StepResult& result)>;
+  using Done = std::function<void(const step::Outcome& outcome)>;
 
   virtual ~Launcher() = default;
   /// Starts the command and calls `done` once, from the event loop, when it has ended; never from inside

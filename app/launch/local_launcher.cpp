@@ -67,10 +67,10 @@ std::string LocalLauncher::Unusable() const {
 }
 
 void LocalLauncher::Fail(std::string message, Done done) {
-  StepResult result;
-  result.outcome.exit_code = cannot_start;
-  result.outcome.message = std::move(message);
-  QTimer::singleShot(0, &queue_, [result, done = std::move(done)] { done(result); });
+  step::Outcome outcome;
+  outcome.exit_code = cannot_start;
+  outcome.message = std::move(message);
+  QTimer::singleShot(0, &queue_, [outcome, done = std::move(done)] { done(outcome); });
 }
 
 void LocalLauncher::Start(const StepRequest& request, Done done) {
@@ -120,9 +120,7 @@ void LocalLauncher::Ended(int id) {
   while (waitpid(ended.supervisor, &wait_status, 0) < 0 && errno == EINTR) {
   }
   close(ended.ended_file);
-  StepResult result;
-  result.outcome = OutcomeOf(wait_status, ended.outcome_file);
-  ended.done(result);
+  ended.done(OutcomeOf(wait_status, ended.outcome_file));
 }
 
 void LocalLauncher::CancelAll() {

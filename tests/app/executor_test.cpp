@@ -16,11 +16,11 @@ class FakeLauncher final : public Launcher {
   void CancelAll() override { ++cancels; }
 
   void End(const std::string& name, int exit_code = 0, bool cancelled_step = false) {
-    StepResult result;
-    result.outcome.exit_code = exit_code;
-    result.outcome.cancelled = cancelled_step;
+    step::Outcome outcome;
+    outcome.exit_code = exit_code;
+    outcome.cancelled = cancelled_step;
     const Done done = std::move(waiting.extract(name).mapped());
-    done(result);
+    done(outcome);
   }
   std::string Waiting() const {
     std::string names;

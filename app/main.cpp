@@ -16,6 +16,7 @@
 namespace {
 
 constexpr int wrong_options = 2;
+constexpr int cannot_begin = 2;
 constexpr int result_not_written = 6;
 
 int Refuse(const std::string& why) {
@@ -36,7 +37,7 @@ std::string WhyRefused(const std::vector<std::string>& tool_arguments) {
   for (const std::string& argument : tool_arguments)
     if (!vostrand::FitsCommandLine(argument))
       return "the tool argument <" + argument +
-             "> holds white space or quotes, which planned commands cannot carry";
+             "> holds white space, quotes or control characters, which planned commands cannot carry";
   return {};
 }
 
@@ -74,7 +75,12 @@ int main(int argc, char** argv) {
   const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
   const QCoreApplication app(argc, argv);
   std::setlocale(LC_NUMERIC, "C");  // Qt has set the user's; numbers are the same everywhere.
-  const int code = Perform(vostrand::ReadCommandLine(arguments));
+  int code = cannot_begin;
+  try {
+    code = Perform(vostrand::ReadCommandLine(arguments));
+  } catch (const std::exception& error) {  // Such as a working directory that was removed.
+    std::cerr << "vostrand: " << error.what() << "\n";
+  }
   if (std::cout.flush()) return code;
   std::cerr << "vostrand: cannot write to standard output\n";
   return code == 0 ? result_not_written : code;

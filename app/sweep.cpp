@@ -1,114 +1,391 @@
 #include "sweep.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
+#include <QSysInfo>
 #include <QThread>
 #include <filesystem>
 #include <iostream>
+#include <memory>
+#include <optional>
 
 #include "execute/executor.h"
+#include "launch/free_memory.h"
 #include "launch/local_launcher.h"
-#include "observe/run_lines.h"
+#include "launch/slurm/adoption.h"
+#include "launch/slurm/slurm_launcher.h"
+#include "launch/system_clock.h"
+#include "observe/fan_out.h"
+#include "observe/progress.h"
+#include "observe/run_records.h"
+#include "plan/command_words.h"
 #include "plan/library_run.h"
 #include "plan/planned_runs.h"
+#include "plan/record_names.h"
 #include "plan/tool_files.h"
-#include "result/sweep_result.h"
+#include "records/event_log.h"
+#include "records/write_records.h"
+#include "result/file_hasher.h"
+#include "result/promotion_check.h"
+#include "result/retain.h"
+#include "result/scores.h"
+#include "result/summary.h"
+#include "resume/left_files.h"
+#include "resume/resumption.h"
+#include "resume/run_identity.h"
+#include "resume/run_inputs.h"
 #include "signals.h"
 
 namespace vostrand {
 namespace {
 
 constexpr int cannot_be_run = 2;
+constexpr int files_changed = 125;  // Status of a run whose files are not the ones that it left.
 
-// One sweep, from the accepted command line to the exit code.
+// One sweep, from the accepted command line to the exit code: the steps of Run, in this order, over the
+// members.
 class Sweep {
  public:
-  Sweep(const HostOptions& options, const std::string& own_folder)
-      : options_(options),
-        library_(options.work_dir, options.verbose),
-        work_dir_(options.work_dir.empty() ? "." : options.work_dir),
-        launcher_(own_folder + "/vostrand-step", work_dir_,
-                  ToolFinder(options.toolchain, work_dir_, own_folder)) {}
+  Sweep(const HostOptions& options, const std::vector<std::string>& tool_arguments,
+        const std::string& own_folder);
 
-  int Run(const std::vector<std::string>& tool_arguments);
+  int Run();
 
  private:
-  std::string WhyRefused(const std::vector<std::string>& tool_arguments) const;
+  std::string WhyRefused();
+  std::string TakeUpJobs();
+  void LookAtInputs();
   void Execute();
-  SweepResult Report();
+  void Report();
+  void CheckPromotion();
+  void Finish();
 
-  const HostOptions& options_;
-  LibraryRun library_;
+  EventHeader Header() const;
+  ExecutorHooks Hooks(const Judge& judge);
+  bool HaveInputsChanged();
+  void FailChanged(const LeftFiles& left);
+  void Interrupted(int signal);
+  void Warn(const std::string& text) const;
+
+  const std::vector<std::string>& tool_arguments_;
   std::string work_dir_;
+  SystemClock clock_;
+  LibraryRun library_;
+  ToolFinder tools_;
   LocalLauncher launcher_;
-  int interrupted_by_ = 0;
-  std::filesystem::file_time_type began_;
+  Resumption resumption_;
+  Progress* progress_ = nullptr;  // While runs are executed.
+  std::optional<SlurmLauncher> slurm_;
+  std::optional<EventLog> event_log_;
+  std::vector<PlannedRun> plan_;
+  SweepResult result_;
+  std::string changed_input_;
+  std::int64_t began_ns_ = 0;
+  double began_ = 0;
+  std::function<void()> end_what_goes_on_;  // Called at an interrupt.
 };
 
-std::string Sweep::WhyRefused(const std::vector<std::string>& tool_arguments) const {
-  const std::string names = WhyRunNamesAreRefused(FilesOf(tool_arguments), work_dir_);
-  return names.empty() ? launcher_.Unusable() : names;
+Sweep::Sweep(const HostOptions& options, const std::vector<std::string>& tool_arguments,
+             const std::string& own_folder)
+    : tool_arguments_(tool_arguments),
+      work_dir_(options.work_dir.empty() ? "." : options.work_dir),
+      library_(options.work_dir, options.verbose),
+      tools_(options.toolchain, work_dir_, own_folder),
+      launcher_(own_folder + "/vostrand-step", work_dir_, tools_, options.timeout_seconds),
+      resumption_(work_dir_, tool_arguments, FilesOf(tool_arguments).output) {
+  result_.program_version = VOSTRAND_VERSION;
+  result_.host_name = QSysInfo::machineHostName().toStdString();
+  result_.work_dir = std::filesystem::canonical(work_dir_);
+  result_.tool_arguments = tool_arguments;
+  result_.options = options;
+  if (options.launcher == "slurm") {
+    SlurmSettings settings;
+    settings.supervisor = own_folder + "/vostrand-step";
+    settings.work_dir = std::filesystem::absolute(work_dir_).lexically_normal();
+    settings.state_folder = std::filesystem::absolute(resumption_.Folder()).lexically_normal();
+    settings.sbatch_arguments = SplitCommand(options.slurm_args);
+    settings.timeout_seconds = options.timeout_seconds;
+    slurm_.emplace(std::move(settings), tools_, clock_, [this](const std::string& line) { Warn(line); });
+  } else if (result_.options.jobs == 0) {
+    result_.options.jobs = QThread::idealThreadCount();
+  }
 }
 
-// Executes the plan in the event loop.
-void Sweep::Execute() {
-  const std::vector<PlannedRun> plan = PlannedRuns(library_);
-  RunLines lines(plan);
-  ExecutorHooks hooks;
-  hooks.call_back = [&](std::size_t run, std::size_t step) { library_.CallBack(run, step); };
-  hooks.stop_requested = [&] { return library_.StopRequested(); };
-  hooks.before_run = RemoveLeftovers;
-  hooks.finished = [] { QCoreApplication::quit(); };
-  Executor executor(plan, options_.jobs > 0 ? options_.jobs : QThread::idealThreadCount(), launcher_, lines,
-                    hooks);
-  const Signals interrupts([&](int signal) {
-    if (interrupted_by_ == 0) std::cerr << "vostrand: ending what runs; once more ends it at once\n";
-    interrupted_by_ = signal;
-    executor.Cancel();
+void Sweep::Warn(const std::string& text) const {
+  const std::string line = "vostrand: " + text + "\n";
+  if (progress_)
+    progress_->Print(line);
+  else
+    std::cerr << line;
+}
+
+std::string Sweep::WhyRefused() {
+  std::string why = WhyRunNamesAreRefused(FilesOf(tool_arguments_), work_dir_);
+  if (why.empty()) why = WhyRecordsAreRefused(result_.options, FilesOf(tool_arguments_));
+  if (why.empty()) why = launcher_.Unusable();
+  if (why.empty() && slurm_) why = slurm_->Unusable();
+  if (!why.empty()) return why;
+  const std::string no_state = resumption_.Open();
+  if (resumption_.IsTaken() || (slurm_ && !no_state.empty())) return no_state;
+  if (no_state.empty()) why = TakeUpJobs();
+  if (!why.empty()) return why;
+  if (result_.options.resume) resumption_.ReadEarlier();
+  launcher_.Hold(resumption_.LockFile());
+  if (!no_state.empty()) Warn(no_state + "; the sweep cannot be resumed");
+  if (result_.options.resume && resumption_.EarlierCount() == 0)
+    Warn("no run of an earlier sweep with these arguments has finished; all are run");
+  if (result_.options.events_file.empty()) return {};
+  event_log_.emplace(result_.options.events_file);
+  return event_log_->Message();
+}
+
+// What a killed host has left on a cluster, whatever this sweep runs on: planning would empty its folder.
+std::string Sweep::TakeUpJobs() {
+  Adoption adoption(resumption_.Folder(), [this](const std::string& line) { Warn(line); });
+  const std::string why = result_.options.resume ? adoption.Wait() : adoption.WhyRefused();
+  result_.interrupted_by = adoption.InterruptedBy();
+  if (!why.empty()) return why;
+  if (result_.options.resume)
+    for (const AdoptedRun& adopted : adoption.Finished()) resumption_.Adopt(adopted.run, adopted.kept);
+  adoption.Clear();
+  return result_.interrupted_by == 0 ? "" : "interrupted; what has finished can be resumed";
+}
+
+void Sweep::Interrupted(int signal) {
+  if (result_.interrupted_by == 0)
+    Warn(progress_ ? "ending what runs; once more ends it at once" : "interrupted; the report is still made");
+  result_.interrupted_by = signal;
+  if (end_what_goes_on_) end_what_goes_on_();
+}
+
+// What the runs are made from, and which of them an earlier sweep has made from the very same.
+void Sweep::LookAtInputs() {
+  FileHasher hasher;
+  end_what_goes_on_ = [&] { hasher.Cancel(); };
+  std::vector<FileRecord> files = InputFiles(library_, tool_arguments_);
+  const auto input_count = static_cast<std::ptrdiff_t>(files.size());
+  const std::vector<FileRecord> tools = Tools(plan_, tools_);
+  files.insert(files.end(), tools.begin(), tools.end());
+  hasher.Start(files, [&](const std::vector<FileRecord>& hashed) {
+    result_.inputs.assign(hashed.begin(), hashed.begin() + input_count);
+    result_.tools.assign(hashed.begin() + input_count, hashed.end());
+    QCoreApplication::quit();
   });
+  QCoreApplication::exec();
+  end_what_goes_on_ = nullptr;
+
+  std::vector<std::string> identities;
+  for (const PlannedRun& run : plan_)
+    identities.push_back(RunIdentity(run, work_dir_, result_.inputs, result_.tools));
+  if (slurm_) slurm_->Prepare(plan_, identities);
+  if (result_.interrupted_by != 0) return;
+  const std::size_t changed = resumption_.Restore(plan_, std::move(identities));
+  if (changed > 0)
+    Warn(std::to_string(changed) +
+         " finished runs are run again: what they are made from has changed, or what was kept of them");
+}
+
+EventHeader Sweep::Header() const {
+  EventHeader header;
+  header.started = result_.started;
+  header.jobs = result_.options.jobs;
+  for (const PlannedRun& run : plan_) {
+    header.runs.push_back(run.name);
+    header.steps = std::max(header.steps, run.steps.size());
+  }
+  return header;
+}
+
+ExecutorHooks Sweep::Hooks(const Judge& judge) {
+  ExecutorHooks hooks;
+  hooks.call_back = [this](std::size_t run, std::size_t step) { library_.CallBack(run, step); };
+  hooks.stop_requested = [this] { return library_.StopRequested(); };
+  hooks.before_run = RemoveLeftovers;
+  hooks.judge = [&judge](std::size_t run) { return judge(run); };
+  hooks.free_memory_kib = FreeMemoryKib;
+  hooks.finished = [] { QCoreApplication::quit(); };
+  return hooks;
+}
+
+Limits LimitsOf(const HostOptions& options) {
+  Limits limits;
+  limits.jobs = options.jobs;
+  limits.retries = options.retries;
+  limits.requeues = options.requeues;
+  limits.memory_kib = static_cast<long>((options.memory_bytes + 1023) / 1024);
+  limits.until = options.until;
+  limits.fail_fast = options.fail_fast;
+  limits.stop_now = options.stop_now;
+  limits.grace_seconds = options.grace_seconds;
+  return limits;
+}
+
+// Executes the plan in the event loop; every event goes to all that show or keep something.
+void Sweep::Execute() {
+  RunRecords records(resumption_.Records(plan_));
+  const auto keep = [&](std::size_t run) {
+    KeptRun kept = resumption_.Keep(run, plan_[run], records.Records()[run]);
+    if (!plan_[run].restored && HaveInputsChanged())
+      kept.identity.clear();  // Nobody knows what it is made from.
+    return kept;
+  };
+  FanOut observers;
+  observers.Add(records);
+  std::optional<Journal> journal;
+  // Who interrupted the look at the inputs keeps what the earlier sweep has finished.
+  const bool keeps = !resumption_.JournalFile().empty() && result_.interrupted_by == 0;
+  if (keeps) journal.emplace(resumption_.JournalFile(), Header(), keep);
+  if (journal) observers.Add(*journal);
+  if (event_log_) event_log_->Begin(Header());
+  if (event_log_) observers.Add(*event_log_);
+  LeftFiles left(plan_);
+  observers.Add(left);
+  Progress progress(plan_, ProgressOptionsOf(result_.options));
+  observers.Add(progress);
+  progress_ = &progress;
+  library_.Logger().PrintThrough([&](const std::string& text) { progress.Print(text); });
+
+  const Judge judge(library_);
+  Launcher& launcher = slurm_ ? static_cast<Launcher&>(*slurm_) : launcher_;
+  Executor executor(plan_, LimitsOf(result_.options), launcher, clock_, observers, Hooks(judge));
+  end_what_goes_on_ = [&] { executor.Cancel(); };
+  if (result_.interrupted_by != 0) executor.Cancel();
   QMetaObject::invokeMethod(
       qApp, [&] { executor.Start(); }, Qt::QueuedConnection);
   QCoreApplication::exec();
-  for (std::size_t i = 0; i < plan.size(); ++i) library_.Seeds()[i].status = executor.Statuses()[i];
-}
+  end_what_goes_on_ = nullptr;
+  progress_ = nullptr;
+  library_.Logger().PrintThrough(nullptr);
 
-SweepResult Sweep::Report() {
-  Ranking ranking(library_);
-  library_.Report();
-  SweepResult result;
-  result.interrupted_by = interrupted_by_;
-  for (const auto& seed : library_.Seeds()) result.runs.push_back({seed.name, seed.status});
-  result.ranking = ranking.Ordered();
-  CheckFiles(library_, began_, result);
-  return result;
-}
-
-int Sweep::Run(const std::vector<std::string>& tool_arguments) {
-  const std::string refusal = WhyRefused(tool_arguments);
-  if (!refusal.empty()) {
-    std::cerr << "vostrand: " << refusal << "\n";
-    return cannot_be_run;
+  result_.stopped_because = executor.StoppedBecause();
+  for (std::size_t i = 0; i < plan_.size(); ++i) {
+    library_.Seeds()[i].status = executor.Statuses()[i];
+    result_.runs[i].record = records.Records()[i];
   }
+  FailChanged(left);
+  if (journal && !journal->Error().empty()) Warn(journal->Error());
+  if (event_log_ && event_log_->Failed()) result_.missing.push_back(event_log_->Message());
+}
+
+bool Sweep::HaveInputsChanged() {
+  std::string changed = ChangedFile(result_.inputs);
+  if (changed.empty()) changed = ChangedFile(result_.tools);
+  if (!changed.empty() && changed_input_.empty())
+    Warn(changed + " has changed while runs were made from it; those cannot be resumed");
+  if (!changed.empty()) changed_input_ = changed;
+  return !changed.empty();
+}
+
+// Something that nobody could end, on a machine that was lost, may still have written.
+void Sweep::FailChanged(const LeftFiles& left) {
+  for (const std::size_t run : left.Changed()) {
+    RunRecord& record = result_.runs[run].record;
+    library_.Seeds()[run].status = record.status = files_changed;
+    record.message = "its files changed after it had ended";
+    Warn("run " + record.name + ": " + record.message);
+  }
+}
+
+void Sweep::Report() {
+  for (std::size_t i = 0; i < plan_.size(); ++i) {
+    for (const PlannedStep& step : plan_[i].steps) result_.runs[i].steps.push_back(step.words);
+    result_.runs[i].output_file = plan_[i].output_file;
+  }
+  Scores scores(library_);
+  library_.Report();
+  scores.Complete(result_);
+  const bool failed_fast = result_.options.fail_fast && result_.Failed() > 0;
+  std::vector<Verdict> verdicts;
+  for (const std::size_t index : result_.order) {
+    RunResult& run = result_.runs[index];
+    run.record.verdict = {run.has_row ? std::optional(run.timing_score == 0) : std::nullopt, run.score};
+    verdicts.push_back(run.record.verdict);
+  }
+  result_.odds = OddsOf(verdicts);
+  // A sweep that ended with the run it was after says little about the next one.
+  const bool stopped_by_timing =
+      !result_.stopped_because.empty() && result_.interrupted_by == 0 && !failed_fast;
+  result_.odds.has_gain = result_.odds.has_gain && !stopped_by_timing;
+  if (result_.timing && !HasScoreReport(library_, result_.order))
+    result_.missing.push_back(library_.PathOf(library_.Info().reportFile.getstring()));
+}
+
+// The library does not say whether its copies succeeded.
+void Sweep::CheckPromotion() {
+  if (result_.order.empty()) return;
+  const RunRecord& best = result_.runs[result_.order.front()].record;
+  Promotion promotion;
+  promotion.output_dir = library_.OutputPath();
+  promotion.multi_run = library_.Info().multiRun;
+  promotion.stem = promotion.multi_run ? library_.PathOf(library_.Info().outputName.getstring())
+                                       : promotion.output_dir.substr(0, promotion.output_dir.size() - 4);
+  promotion.best = best.name;
+  promotion.timing = result_.timing;
+  promotion.began_ns = best.restored ? 0 : began_ns_;
+  PromotionReport report;
+  FileHasher hasher;
+  end_what_goes_on_ = [&] { hasher.Cancel(); };
+  vostrand::CheckPromotion(hasher, promotion, [&](const PromotionReport& done) {
+    report = done;
+    QCoreApplication::quit();
+  });
+  QCoreApplication::exec();
+  end_what_goes_on_ = nullptr;
+  result_.promoted = report.files;
+  result_.missing.insert(result_.missing.end(), report.missing.begin(), report.missing.end());
+  // Nothing is given up while it is not certain that the best run is the best, and its files are safe.
+  if (!result_.options.retain_best || result_.interrupted_by != 0 || !result_.missing.empty()) return;
+  std::vector<std::string> names;
+  for (const PlannedRun& run : plan_) names.push_back(run.name);
+  for (const std::string& file : RetainBest(report, promotion, names)) Warn("cannot remove " + file);
+  // Their links would keep the space taken; but a sweep that can be resumed needs them.
+  if (result_.Finished() == plan_.size()) resumption_.DropOthers(plan_, best.name);
+}
+
+void Sweep::Finish() {
+  result_.elapsed_seconds = clock_.Now() - began_;
+  WriteRecords(result_);
+  std::cout << SummaryText(result_);
+}
+
+int Sweep::Run() {
+  const std::string refusal = WhyRefused();
+  if (!refusal.empty()) {
+    Warn(refusal);
+    return result_.interrupted_by == 0 ? cannot_be_run : 128 + result_.interrupted_by;
+  }
+  const QDateTime now = QDateTime::currentDateTimeUtc();
+  result_.started = now.toString(Qt::ISODate).toStdString();
   // The file system's clock is coarser than the system's.
-  began_ = std::filesystem::file_time_type::clock::now() - std::chrono::milliseconds(10);
-  const int planned = library_.Plan(tool_arguments);
+  began_ns_ = (now.toMSecsSinceEpoch() - 10) * 1'000'000;
+  began_ = clock_.Now();
+  const int planned = library_.Plan(tool_arguments_);
   if (planned != 0 || library_.Seeds().empty()) {
     library_.Logger().ShowHeldBack(planned == 0 ? std::cout
                                                 : std::cerr);  // Help that was asked for, or why not.
     return library_.Exit(planned);
   }
-  // From here on an interrupt ends the runs, never the report.
-  const BlockedInterrupts blocked;
-  Execute();
-  const SweepResult result = Report();
-  std::cout << SummaryText(result);
-  return library_.Exit(ExitCode(result));
+  plan_ = PlannedRuns(library_);
+  result_.runs.resize(plan_.size());
+  if (result_.options.jobs == 0) result_.options.jobs = std::max(1, static_cast<int>(plan_.size()));
+  {
+    // An interrupt ends the runs, never the report.
+    const BlockedInterrupts blocked;
+    const Signals interrupts([this](int signal) { Interrupted(signal); });
+    LookAtInputs();
+    Execute();
+    Report();
+    CheckPromotion();
+  }
+  Finish();
+  return library_.Exit(result_.exit_code);
 }
 
 }  // namespace
 
 int RunSweep(const HostOptions& options, const std::vector<std::string>& tool_arguments,
              const std::string& own_folder) {
-  return Sweep(options, own_folder).Run(tool_arguments);
+  return Sweep(options, tool_arguments, own_folder).Run();
 }
 
 }  // namespace vostrand

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # From a Verilog design to the chosen run: installs what is missing, builds, synthesises examples/two_clock, runs it
-# through several place-and-route runs and prints the ranking. `scripts/demo.sh 2` makes two runs.
+# through several place-and-route runs prints the ranking and writes a report page. `scripts/demo.sh 2` makes two runs.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -22,4 +22,5 @@ echo "Synthesising two_clock.v"
 build/demo/toolchain/vostrand-synth "$work/two_clock.v" two_clock "$work/two_clock_map.ncd"
 
 echo "Running $runs place-and-route runs"
-build/demo/app/vostrand --toolchain build/demo/toolchain --chdir "$work" two_clock
+build/demo/app/vostrand --toolchain build/demo/toolchain --chdir "$work" \
+  --html "$work/two_clock.html" --json "$work/two_clock.json" two_clock

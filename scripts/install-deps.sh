@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building and testing need; with --tools only those that running a design needs.
+# Installs the Debian packages that building and testing need; with --tools only those that running a design needs,
+# with --bench the ones for the benchmarks too.
 # Run as often as you like: what is there is left alone.
 set -euo pipefail
 
@@ -7,6 +8,7 @@ packages=(
   g++ cmake ninja-build                # build
   qt6-base-dev                         # Qt 6 Core
   libcli11-dev                         # the program's options
+  libboost-dev                         # the odds that more runs help
   nextpnr-generic opensta yosys        # the engines behind par and sorv
 )
 [ "${1:-}" = --tools ] || packages+=(
@@ -14,7 +16,16 @@ packages=(
   libgtest-dev                         # tests
   locales                              # tests in other locales
   procps                               # tests that end processes
+  slurmctld slurmd slurm-client        # tests on a cluster of their own
+  python3-jsonschema                   # tests of the schemas in docs/schemas
   clang-format clang-tidy              # style and checks
+  chromium                             # tests of the report page
+)
+# Node.js of another origin brings npm along and would conflict with Debian's.
+[ "${1:-}" = --tools ] || { command -v node && command -v npm; } >/dev/null || packages+=(nodejs npm)
+
+[ "${1:-}" != --bench ] || packages+=(
+  libbenchmark-dev                     # benchmarks
 )
 
 missing=()

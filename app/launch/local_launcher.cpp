@@ -16,15 +16,18 @@ namespace vostrand {
 namespace {
 
 constexpr int cannot_start = 127;
+constexpr int cannot_write = 126;  // The supervisor's exit code then.
 
 // A process group of its own: a terminal's Ctrl-C is the host's to hear, who then tells the supervisors.
 class SpawnSettings {
  public:
-  explicit SpawnSettings(const std::string& work_dir) {
+  SpawnSettings(const std::string& work_dir, int held_file) {
     posix_spawnattr_init(&attributes);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addchdir_np(&actions, work_dir.c_str());
+    // Onto itself: that is how it is passed on.
+    if (held_file >= 0) posix_spawn_file_actions_adddup2(&actions, held_file, held_file);
   }
   ~SpawnSettings() {
     posix_spawn_file_actions_destroy(&actions);
@@ -47,14 +50,19 @@ step::Outcome OutcomeOf(int wait_status, const std::string& file) {
   outcome.signal = WIFSIGNALED(wait_status) ? WTERMSIG(wait_status) : 0;
   outcome.exit_code = outcome.signal != 0 ? 128 + outcome.signal : WEXITSTATUS(wait_status);
   if (outcome.exit_code == 0) outcome.exit_code = cannot_start;
-  outcome.message = "its supervisor ended without an outcome";
+  outcome.message = outcome.exit_code == cannot_write ? "its supervisor cannot write " + file
+                                                      : "its supervisor ended without an outcome";
   return outcome;
 }
 
 }  // namespace
 
-LocalLauncher::LocalLauncher(std::string supervisor, std::string work_dir, ToolFinder tools)
-    : supervisor_(std::move(supervisor)), work_dir_(std::move(work_dir)), tools_(std::move(tools)) {}
+LocalLauncher::LocalLauncher(std::string supervisor, std::string work_dir, ToolFinder tools,
+                             double timeout_seconds)
+    : supervisor_(std::move(supervisor)),
+      work_dir_(std::move(work_dir)),
+      tools_(std::move(tools)),
+      timeout_seconds_(timeout_seconds) {}
 
 LocalLauncher::~LocalLauncher() {
   for (const auto& [id, running] : running_) close(running.ended_file);
@@ -82,31 +90,39 @@ void LocalLauncher::Start(const StepRequest& request, Done done) {
   }
   const int id = next_id_++;
   Running started;
+  started.run = request.run;
   started.outcome_file = outcomes_.filePath(QString::number(id)).toStdString();
-  std::vector<std::string> words = {supervisor_,
-                                    "--outcome",
-                                    started.outcome_file,
-                                    "--output",
-                                    request.output_file,
-                                    "--parent",
-                                    std::to_string(getpid()),
-                                    "--",
-                                    program};
+  std::vector<std::string> words = {supervisor_, "--outcome", started.outcome_file, "--output",
+                                    request.output_file};
+  const auto add_number = [&words](const char* option, int number) {
+    words.insert(words.end(), {option, std::to_string(number)});
+  };
+  add_number("--parent", getpid());
+  if (timeout_seconds_ > 0) add_number("--timeout-ms", static_cast<int>(timeout_seconds_ * 1000));
+  if (held_file_ >= 0) add_number("--hold", held_file_);
+  words.insert(words.end(), {"--", program});
   words.insert(words.end(), request.words.begin() + 1, request.words.end());
   std::vector<char*> argv;
   argv.reserve(words.size() + 1);
   for (std::string& word : words) argv.push_back(word.data());
   argv.push_back(nullptr);
 
-  const SpawnSettings settings(work_dir_);
+  const SpawnSettings settings(work_dir_, held_file_);
   const int error = posix_spawn(&started.supervisor, supervisor_.c_str(), &settings.actions,
                                 &settings.attributes, argv.data(), environ);
   if (error != 0) {
     Fail("cannot start " + supervisor_ + ": " + std::strerror(error), std::move(done));
     return;
   }
-  started.done = std::move(done);
   started.ended_file = static_cast<int>(syscall(SYS_pidfd_open, started.supervisor, 0));
+  if (started.ended_file < 0) {
+    const std::string why = std::strerror(errno);
+    kill(started.supervisor, SIGKILL);
+    waitpid(started.supervisor, nullptr, 0);
+    Fail("cannot watch " + name + ": " + why, std::move(done));
+    return;
+  }
+  started.done = std::move(done);
   started.ended = std::make_unique<QSocketNotifier>(started.ended_file, QSocketNotifier::Read);
   QObject::connect(started.ended.get(), &QSocketNotifier::activated, &queue_, [this, id] { Ended(id); });
   running_[id] = std::move(started);
@@ -123,9 +139,10 @@ void LocalLauncher::Ended(int id) {
   ended.done(OutcomeOf(wait_status, ended.outcome_file));
 }
 
-void LocalLauncher::CancelAll() {
+void LocalLauncher::Cancel(std::size_t run) {
   // The supervisor takes a second SIGTERM as the end of its patience.
-  for (const auto& [id, running] : running_) kill(running.supervisor, SIGTERM);
+  for (const auto& [id, running] : running_)
+    if (running.run == run) kill(running.supervisor, SIGTERM);
 }
 
 }  // namespace vostrand

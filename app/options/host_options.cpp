@@ -1,51 +1,13 @@
 #include "options/host_options.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <memory>
 
 #include "context/globals.h"
 #include "options/did_you_mean.h"
+#include "options/option_list.h"
 
 namespace vostrand {
 namespace {
-
-struct HelpFormatter final : CLI::Formatter {
-  std::string make_usage(const CLI::App*, std::string) const override {
-    return "Usage: vostrand [host options] [--] <tool arguments>\n";
-  }
-};
-
-// The options as the parser library knows them, bound to where their values go.
-std::unique_ptr<CLI::App> MakeParser(HostOptions& options) {
-  auto app = std::make_unique<CLI::App>(
-      "Runs one design through many place-and-route runs, scores them and picks the best.", "vostrand");
-  app->formatter(std::make_shared<HelpFormatter>());
-  app->set_help_flag();
-  app->add_option("--jobs", options.jobs, "Most runs at once (default: the processors this process may use)")
-      ->option_text("N")
-      ->check(CLI::Range(1, 10000).description(""))
-      ->group("Running");
-  app->add_option("--toolchain", options.toolchain, "Folder searched first for par and sorv")
-      ->option_text("DIR")
-      ->check(CLI::ExistingDirectory.description(""))
-      ->group("Running");
-  app->add_option("--chdir", options.work_dir, "Working directory of the tool run")
-      ->option_text("DIR")
-      ->check(CLI::ExistingDirectory.description(""))
-      ->group("Running");
-  app->add_flag("--dry-run", options.dry_run, "Show the plan; change nothing")->group("Looking");
-  app->add_flag("--verbose", options.verbose, "Show the library's status lines too")->group("Looking");
-  app->add_flag("--version", options.show_version, "Show the version")->group("Looking");
-  app->add_flag("--help", options.show_help, "Show this help and the tool arguments")->group("Looking");
-  app->footer(
-      "Examples:\n"
-      "  vostrand top                            top_map.ncd, top.prf and top.p2t give top.ncd\n"
-      "  vostrand --jobs 4 top -dissorv          four at once, ranked by place-and-route result\n"
-      "  vostrand --dry-run --chdir designs top  what would be run\n"
-      "A lone \"--\" ends the host options.");
-  return app;
-}
 
 std::string NameOf(const std::string& word) {
   return word.substr(0, word.find('='));
@@ -97,7 +59,12 @@ CommandLine ReadCommandLine(const std::vector<std::string>& arguments) {
     if (!option) break;
     host_words.push_back(*word);
     const bool takes_next = option->get_items_expected_max() > 0 && word->find('=') == std::string::npos;
-    if (takes_next && word + 1 != arguments.end()) host_words.push_back(*++word);
+    if (!takes_next || word + 1 == arguments.end()) continue;
+    // Its value is made of options, which the parser would take for its own.
+    if (*word == "--slurm-args")
+      host_words.back() += "=" + *++word;
+    else
+      host_words.push_back(*++word);
   }
   const bool ended = word != arguments.end() && *word == "--";
   line.tool.assign(ended ? word + 1 : word, arguments.end());
@@ -112,6 +79,8 @@ CommandLine ReadCommandLine(const std::vector<std::string>& arguments) {
   try {
     std::reverse(host_words.begin(), host_words.end());  // The parser takes them from the back.
     parser->parse(host_words);
+    if (!line.host.slurm_args.empty() && line.host.launcher != "slurm")
+      line.error = "--slurm-args needs --launcher slurm";
   } catch (const CLI::ParseError& error) {
     line.error = error.what();
   }

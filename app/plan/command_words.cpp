@@ -1,5 +1,7 @@
 #include "plan/command_words.h"
 
+#include <algorithm>
+
 namespace vostrand {
 
 std::vector<std::string> SplitCommand(const std::string& command) {
@@ -25,7 +27,10 @@ std::vector<std::string> SplitCommand(const std::string& command) {
 }
 
 bool FitsCommandLine(const std::string& name) {
-  return name.find_first_of(" \t\n\v\f\r\"'") == std::string::npos;
+  return std::none_of(name.begin(), name.end(), [](char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte <= ' ' || byte == 127 || c == '"' || c == '\'';
+  });
 }
 
 }  // namespace vostrand

@@ -4,14 +4,21 @@
 
 namespace vostrand {
 
+void HostLogger::Show(const char* text) {
+  if (print_)
+    print_(text);
+  else
+    std::cerr << text;
+}
+
 void HostLogger::onStdout(const char* text) {
   if (muted_) return;
   status_ += text;
-  if (show_status_) std::cerr << text;
+  if (show_status_) Show(text);
 }
 
 void HostLogger::onStderr(const char* text) {
-  if (!muted_) std::cerr << text;
+  if (!muted_) Show(text);
 }
 
 void HostLogger::ShowHeldBack(std::ostream& stream) const {

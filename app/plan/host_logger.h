@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 #include <string>
+#include <utility>
 
 #include "host/logger.h"
 
@@ -18,6 +20,8 @@ class HostLogger final : public orlo::kelpn::ILogger {
 
   /// Shows the status lines that were held back, as when planning ended without a plan.
   void ShowHeldBack(std::ostream& stream) const;
+  /// While set, what is shown goes through `print` instead of standard error: a display stands there.
+  void PrintThrough(std::function<void(const std::string& text)> print) { print_ = std::move(print); }
   /// The status lines so far.
   const std::string& Status() const { return status_; }
   /// While muted nothing is shown: the host works something out a second time.
@@ -26,9 +30,12 @@ class HostLogger final : public orlo::kelpn::ILogger {
   bool HasHeard(const std::string& text) const;
 
  private:
+  void Show(const char* text);
+
   bool show_status_;
   bool muted_ = false;
   std::string status_;
+  std::function<void(const std::string& text)> print_;
 };
 
 }  // namespace vostrand

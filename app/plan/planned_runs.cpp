@@ -10,21 +10,25 @@ namespace {
 
 using orlo::kelpn::mparrunner::STEP;
 
+constexpr const char* result_extensions[] = {".out", ".par", ".twr", ".ncd", ".pad", ".dly", ".icf"};
+
 PlannedRun WithFiles(const std::string& name, const LibraryRun& library) {
   PlannedRun run;
   run.name = name;
   // The tools' working directory is not the host's.
-  const std::string output = std::filesystem::absolute(library.OutputPath());
-  if (library.Info().multiRun) {
-    const std::string stem = output + "/" + name;
-    run.output_file = stem + ".out";
-    for (const char* const extension : {".out", ".par", ".twr", ".ncd", ".pad", ".dly", ".icf"})
-      run.leftovers.push_back(stem + extension);
-    run.leftover_folder = stem + ".dir";
+  const std::filesystem::path output = std::filesystem::absolute(library.OutputPath());
+  const bool multi_run = library.Info().multiRun;
+  const std::filesystem::path folder = multi_run ? output : output.parent_path();
+  const std::string stem = multi_run ? name : output.stem().string();
+  run.results_folder = folder;
+  for (const char* const extension : result_extensions) run.results.push_back(stem + extension);
+  run.output_file = folder / (stem + ".out");
+  if (multi_run) {
+    for (const std::string& result : run.results) run.leftovers.push_back(folder / result);
+    run.results.push_back(stem + ".dir");
+    run.leftover_folder = folder / (stem + ".dir");
   } else {
-    const std::string stem = output.substr(0, output.size() - 4);
-    run.output_file = stem + ".out";
-    run.leftovers = {run.output_file, stem + ".twr"};
+    run.leftovers = {run.output_file, folder / (stem + ".twr"), folder / (stem + ".par")};
   }
   return run;
 }
@@ -43,10 +47,10 @@ std::vector<PlannedRun> PlannedRuns(LibraryRun& library) {
   return runs;
 }
 
-std::string RemoveLeftovers(const PlannedRun& run) {
+std::string RemoveLeftovers(const PlannedRun& run, bool keep_output) {
   std::error_code error;
   for (const std::string& file : run.leftovers)
-    if (!std::filesystem::remove(file, error) && error)
+    if (!(keep_output && file == run.output_file) && !std::filesystem::remove(file, error) && error)
       return "cannot remove " + file + ": " + error.message();
   if (run.leftover_folder.empty()) return {};
   std::filesystem::remove_all(run.leftover_folder, error);

@@ -12,7 +12,8 @@ namespace vostrand {
 std::vector<PlannedRun> PlannedRuns(LibraryRun& library);
 
 /// Clears the way for a run: removes what an earlier sweep left under its name, so that it is never judged by
-/// an old file. Links are removed, never followed. Returns what could not be removed, or nothing.
-std::string RemoveLeftovers(const PlannedRun& run);
+/// an old file. Links are removed, never followed. A run that is tried again keeps what its tools have
+/// printed. Returns what could not be removed, or nothing.
+std::string RemoveLeftovers(const PlannedRun& run, bool keep_output);
 
 }  // namespace vostrand

@@ -14,7 +14,7 @@ namespace {
 void NoHelp() {}
 
 ToolFiles OfBaseName(const std::string& base) {
-  return {base + ".p2t", base + ".log", base + ".csv", base + ".ncd", base + "_map.ncd"};
+  return {base + ".p2t", base + ".log", base + ".csv", base + ".ncd", base + "_map.ncd", base + ".prf", ""};
 }
 
 bool IsSwitch(const std::string& argument) {
@@ -41,7 +41,8 @@ ToolFiles FilesOf(const std::vector<std::string>& tool_arguments) {
     if (!given || given->count == 0) return {};
     return orlo::vostrand_lib::GetCleanFileName(given->values[0]).getstring();
   };
-  return {value_of("-p"), value_of("-log"), value_of("-o"), *parser.getarg(1), *parser.getarg(0)};
+  return {value_of("-p"),    value_of("-log"), value_of("-o"),  *parser.getarg(1),
+          *parser.getarg(0), value_of("-pr"),  value_of("-tpr")};
 }
 
 std::string WhyRunNamesAreRefused(const ToolFiles& files, const std::string& work_dir) {

@@ -13,6 +13,8 @@ struct ToolFiles {
   std::string report;        ///< Written by the report.
   std::string output;        ///< Made, or emptied and made.
   std::string design;        ///< Looked at whether it can be read.
+  std::string preferences;   ///< Read by the tools and the report.
+  std::string trace_preferences;
 
   std::vector<std::string> Written() const { return {par_commands, log, report, output}; }
 };

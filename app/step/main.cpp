@@ -10,8 +10,8 @@
 namespace {
 
 constexpr const char* usage =
-    "usage: vostrand-step --outcome FILE [--output FILE] [--grace SECONDS] [--parent PID] -- PROGRAM "
-    "[ARGUMENT ...]\n"
+    "usage: vostrand-step --outcome FILE [--output FILE] [--grace SECONDS] [--timeout-ms MILLISECONDS] "
+    "[--parent PID] [--hold FILE_DESCRIPTOR] [--lease FILE] -- PROGRAM [ARGUMENT ...]\n"
     "Runs the program with this path in a process group of its own and writes how it ended to the outcome "
     "file.\n";
 
@@ -19,6 +19,14 @@ bool read_number(const std::string& text, int& number) {
   const char* const end = text.data() + text.size();
   const auto read = std::from_chars(text.data(), end, number);
   return read.ec == std::errc() && read.ptr == end && number >= 0;
+}
+
+// Where the option's number goes; null when it takes none.
+int* number_of(const std::string& option, vostrand::step::Command& command) {
+  if (option == "--grace") return &command.grace_seconds;
+  if (option == "--timeout-ms") return &command.timeout_ms;
+  if (option == "--hold") return &command.held_file;
+  return option == "--parent" ? &command.parent : nullptr;
 }
 
 int refuse(const std::string& why) {
@@ -44,9 +52,11 @@ int main(int argc, char** argv) {
       command.outcome_file = value;
     else if (option == "--output")
       command.output_file = value;
-    else if (option != "--grace" && option != "--parent")
+    else if (option == "--lease")
+      command.lease_file = value;
+    else if (int* const number = number_of(option, command); !number)
       return refuse("unknown option " + option);
-    else if (!read_number(value, option == "--grace" ? command.grace_seconds : command.parent))
+    else if (!read_number(value, *number))
       return refuse(option + " needs a whole number");
   }
   if (i + 1 >= argc) return refuse("no program to run");

@@ -15,10 +15,10 @@ constexpr const char* last_line = "end";
 std::string AsText(const Outcome& outcome) {
   const auto microseconds = [](double seconds) { return std::to_string(static_cast<long>(seconds * 1e6)); };
   return "exit_code " + std::to_string(outcome.exit_code) + "\nsignal " + std::to_string(outcome.signal) +
-         "\ncancelled " + std::to_string(outcome.cancelled) + "\nelapsed_us " +
-         microseconds(outcome.elapsed_seconds) + "\ncpu_us " + microseconds(outcome.cpu_seconds) +
-         "\npeak_kib " + std::to_string(outcome.peak_kib) + "\nmessage " + outcome.message + "\n" +
-         last_line + "\n";
+         "\ncancelled " + std::to_string(outcome.cancelled) + "\ntimed_out " +
+         std::to_string(outcome.timed_out) + "\nelapsed_us " + microseconds(outcome.elapsed_seconds) +
+         "\ncpu_us " + microseconds(outcome.cpu_seconds) + "\npeak_kib " + std::to_string(outcome.peak_kib) +
+         "\nmessage " + outcome.message + "\n" + last_line + "\n";
 }
 
 }  // namespace
@@ -45,6 +45,7 @@ bool ReadOutcome(const std::string& path, Outcome& outcome) {
     if (name == "exit_code") read.exit_code = static_cast<int>(number);
     if (name == "signal") read.signal = static_cast<int>(number);
     if (name == "cancelled") read.cancelled = number != 0;
+    if (name == "timed_out") read.timed_out = number != 0;
     if (name == "elapsed_us") read.elapsed_seconds = static_cast<double>(number) / 1e6;
     if (name == "cpu_us") read.cpu_seconds = static_cast<double>(number) / 1e6;
     if (name == "peak_kib") read.peak_kib = number;

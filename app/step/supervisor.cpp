@@ -7,6 +7,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -20,6 +21,7 @@ namespace {
 
 constexpr int cannot_start = 127;
 constexpr int cannot_write = 126;
+constexpr int time_was_over = 124;
 
 double Now() {
   timespec time;
@@ -54,6 +56,9 @@ class Group {
   bool ReapOne();
   void End(int signal);
   void TakeSignal(const timespec& patience);
+  timespec Patience() const;
+  void EndIfOverdue();
+  void EndIfGivenUp();
   int Finish();
 
   const Command& command_;
@@ -153,11 +158,40 @@ void Group::TakeSignal(const timespec& patience) {
   if (kill_at_ == 0) kill_at_ = Now() + command_.grace_seconds;
 }
 
+// How long nothing needs to be looked at unless a signal comes.
+timespec Group::Patience() const {
+  if (kill_at_ != 0) return {0, 20'000'000};
+  double left = command_.lease_file.empty() ? 3600 : 1;
+  if (command_.timeout_ms != 0) left = std::min(left, std::max(0.0, began_ + command_.timeout_ms / 1e3 - Now()));
+  const auto seconds = static_cast<time_t>(left);
+  return {seconds, static_cast<long>((left - static_cast<double>(seconds)) * 1e9)};
+}
+
+void Group::EndIfOverdue() {
+  if (kill_at_ != 0 || command_.timeout_ms == 0 || Now() < began_ + command_.timeout_ms / 1e3) return;
+  outcome_.timed_out = true;
+  End(SIGTERM);
+  kill_at_ = Now() + command_.grace_seconds;
+}
+
+// Where a signal cannot reach: on a machine that its cluster has lost. Opened, since a shared file system answers
+// other questions from memory.
+void Group::EndIfGivenUp() {
+  if (kill_at_ != 0 || command_.lease_file.empty()) return;
+  const int lease = open(command_.lease_file.c_str(), O_RDONLY | O_CLOEXEC);
+  if (lease >= 0) close(lease);
+  if (lease >= 0 || (errno != ENOENT && errno != ESTALE)) return;
+  outcome_.cancelled = true;
+  End(SIGTERM);
+  kill_at_ = Now() + command_.grace_seconds;
+}
+
 void Group::WaitForAll() {
   while (ReapOne()) {
-    const bool ending = kill_at_ != 0;
-    if (ending && Now() >= kill_at_) End(SIGKILL);
-    TakeSignal(ending ? timespec{0, 20'000'000} : timespec{3600, 0});
+    EndIfOverdue();
+    EndIfGivenUp();
+    if (kill_at_ != 0 && Now() >= kill_at_) End(SIGKILL);
+    TakeSignal(Patience());
   }
 }
 
@@ -171,10 +205,15 @@ int Group::Finish() {
   if (!program_ended_) status_ = W_EXITCODE(cannot_write, 0);
   if (WIFSIGNALED(status_)) outcome_.signal = WTERMSIG(status_);
   outcome_.exit_code = outcome_.signal != 0 ? 128 + outcome_.signal : WEXITSTATUS(status_);
+  if (outcome_.timed_out) {
+    outcome_.exit_code = time_was_over;
+    outcome_.message = "ended since its time was over";
+  }
   return WriteOutcome(command_.outcome_file, outcome_) ? outcome_.exit_code : cannot_write;
 }
 
 int Group::Run() {
+  if (command_.held_file >= 0) fcntl(command_.held_file, F_SETFD, FD_CLOEXEC);
   prctl(PR_SET_CHILD_SUBREAPER, 1);
   prctl(PR_SET_PDEATHSIG, SIGTERM);
   if (command_.parent != 0 && getppid() != command_.parent) return cannot_start;  // It died in this moment.

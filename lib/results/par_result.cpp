@@ -39,10 +39,13 @@ std::int64_t ScoreOf(const Tokens& row) {
 // Moves behind the three headings. A line that breaks their sequence is not tried as its beginning.
 bool SkipHeadings(ut_line_reader& lines) {
   constexpr std::size_t headings = std::size(par_table_headings);
-  std::size_t seen = 0;
-  for (std::string_view line; seen < headings && lines.next(line);)
-    seen = ut_trimmed(line) == par_table_headings[seen] ? seen + 1 : 0;
-  return seen == headings;
+  std::string_view line;
+  for (std::size_t seen = 0; seen < headings;) {
+    const char* const heading = par_table_headings[seen];
+    if (!(seen == 0 ? lines.next_with(heading, line) : lines.next(line))) return false;
+    seen = ut_trimmed(line) == heading ? seen + 1 : 0;
+  }
+  return true;
 }
 
 }  // namespace

@@ -6,17 +6,6 @@
 #include "ut/filemanager.h"
 
 namespace orlo::vostrand_lib {
-namespace {
-
-void Move(const UT_STROBJ& from, const UT_STROBJ& to) {
-  // What cannot be copied, a sub-directory for one, must not cost the file of its name.
-  if (!ut_file->isfile(from.getstring()) || !ut_file->canread(from.getstring())) return;
-  // A link goes too, even one that leads nowhere: the copy must lie here, not at its other end.
-  if (ut_file->exist(to.getstring()) || ut_file->islink(to.getstring())) ut_file->remove(to.getstring());
-  if (ut_file->copy(from.getstring(), to.getstring())) ut_file->remove(from.getstring());
-}
-
-}  // namespace
 
 void CopySeedResult(const UT_STROBJ& targetDir, const UT_STROBJ& runDir) {
   ut_file->statusWord = 0;
@@ -24,7 +13,7 @@ void CopySeedResult(const UT_STROBJ& targetDir, const UT_STROBJ& runDir) {
   if (ut_file->issame(runDir.getstring(), targetDir.getstring())) return;  // Every file is its own target.
   UT_DIR listing(runDir.getstring(), 1);
   while (const char* const name = listing.getnextfile(nullptr))
-    Move(runDir + "/" + name, targetDir + "/" + name);
+    ut_file->move((runDir + "/" + name).getstring(), (targetDir + "/" + name).getstring());
   ut_file->rmdir(runDir.getstring());
 }
 

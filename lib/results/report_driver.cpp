@@ -108,7 +108,7 @@ void Report::TakeRun(std::size_t index) {
 void Report::Score(std::size_t index) {
   WriteScoreTableTop(log_);
   PSScoreInfo& score = scores_[index];
-  score = GetPSScore(PathOf(ut_element(info_.twrFiles, index)), preferences_, info_.weights);
+  score = ScoreRun(PathOf(ut_element(info_.twrFiles, index)), preferences_, info_.weights);
   score.csvText = ut_element(info_.csvLabels, index) + "," + score.csvText;
   const UT_STROBJ total_line = TotalLine(score.score);
   WriteScoreTableRows(log_, preferences_, total_line);

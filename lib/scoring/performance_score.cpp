@@ -21,11 +21,15 @@ Contribution Contribute(const PrfResultVal& result, const WPValue& weights) {
 }  // namespace
 
 PSScoreInfo GetPSScore(UT_STROBJ twrPath, ResultsMap& prfResults, WeightsMap weights) {
+  return ScoreRun(twrPath, prfResults, weights);
+}
+
+PSScoreInfo ScoreRun(const UT_STROBJ& twrPath, ResultsMap& prfResults, const WeightsMap& weights) {
   PSScoreInfo run;
   run.timingScore = GetPrfResultVal(twrPath, prfResults).trimmed();
   UT_STROBJ text;
   for (auto& [name, result] : prfResults) {
-    const Contribution part = Contribute(result, GetWPByPrfName(name, result.type, weights));
+    const Contribution part = Contribute(result, FindWeights(name, result.type, weights));
     run.score += part.value;
     const auto value = static_cast<double>(part.value);
     result.reportRows += text.str_format("|%10.3f|%13.3f\n", static_cast<double>(part.factor), value);

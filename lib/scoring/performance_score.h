@@ -26,6 +26,9 @@ struct PSScoreInfo {
 /// opened is reported and gives timing score "0".
 VOSTRAND_API PSScoreInfo GetPSScore(UT_STROBJ twrPath, ResultsMap& prfResults, WeightsMap weights);
 
+/// The same, for a table of weights that need not be copied for every run.
+PSScoreInfo ScoreRun(const UT_STROBJ& twrPath, ResultsMap& prfResults, const WeightsMap& weights);
+
 /// Reorders `order[0..count-1]`, indices into both tables: highest score first, equal scores by
 /// place-and-route result, ties as they were.
 VOSTRAND_API void sortscore(PSScoreInfo* scores, ParScoreVal* results, int count, int* order);

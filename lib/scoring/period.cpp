@@ -1,6 +1,7 @@
 #include "scoring/period.h"
 
 #include <cstdint>
+#include <string>
 
 #include "ut/number.h"
 
@@ -13,8 +14,9 @@ constexpr float no_frequency_period = 100000000.0F;
 // thousandths over 1000. A text too short to lose so many characters keeps them all, as `left` does it.
 float ThousandthsBefore(const UT_STROBJ& text, unsigned long unit_length) {
   const UT_STROBJ number = text.left(text.size() - unit_length);
-  const UT_STROBJ whole = number.left(number.size() - 4) + number.right(3);
-  const auto thousandths = static_cast<std::int32_t>(ut_leading_integer(whole.view()));
+  std::string whole(number.left(number.size() - 4).view());
+  whole += number.right(3).view();
+  const auto thousandths = static_cast<std::int32_t>(ut_leading_integer(whole));
   return static_cast<float>(thousandths) / 1000.0F;
 }
 

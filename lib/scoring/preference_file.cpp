@@ -1,5 +1,6 @@
 #include "scoring/preference_file.h"
 
+#include <algorithm>
 #include <limits>
 #include <optional>
 #include <string>
@@ -16,12 +17,18 @@
 namespace orlo::vostrand_lib {
 namespace {
 
+// Decided at its first character that is not blank: most lines need no search for a "#".
+bool IsBlankOrComment(std::string_view line) {
+  const auto text = std::find_if_not(line.begin(), line.end(), ut_in_trim_set);
+  return text == line.end() || *text == '#';
+}
+
 // The next statement whole, its comment included, trimmed. Blank lines and comment lines take no part; a ";"
 // in a comment ends a statement like any other. An unfinished statement at the end of the file is none.
 bool NextStatement(ut_line_reader& lines, std::string& statement) {
   statement.clear();
   for (std::string_view line; lines.next(line);) {
-    if (ut_trimmed(line.substr(0, line.find('#'))).empty()) continue;
+    if (IsBlankOrComment(line)) continue;
     statement += line;
     if (line.find(';') == std::string_view::npos) continue;
     statement = ut_trimmed(statement);

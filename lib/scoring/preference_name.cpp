@@ -11,10 +11,8 @@ UT_STROBJ GetPrfItemType(UT_STROBJ text) {
 }
 
 UT_STROBJ GetCleanedItemName(UT_STROBJ text) {
-  std::string cleaned;
-  cleaned.reserve(text.size());
-  for (const char c : text.view())
-    if (c != ' ' && c != '\t') cleaned += c;
+  std::string cleaned(text.view());
+  std::erase_if(cleaned, [](char c) { return c == ' ' || c == '\t'; });
   return UT_STROBJ(cleaned);
 }
 

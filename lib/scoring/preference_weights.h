@@ -10,4 +10,7 @@ namespace orlo::vostrand_lib {
 /// kind without an entry gets one of zeros.
 VOSTRAND_API WPValue GetWPByPrfName(const UT_STROBJ& name, const UT_STROBJ& type, WeightsMap& weights);
 
+/// The same, without making an entry for the kind.
+WPValue FindWeights(const UT_STROBJ& name, const UT_STROBJ& type, const WeightsMap& weights);
+
 }  // namespace orlo::vostrand_lib

@@ -82,18 +82,19 @@ void Entry::StoreIn(ResultsMap& results) const {
   SetActual(result, actual);
 }
 
-bool SkipTo(ut_line_reader& lines, bool (*wanted)(std::string_view line)) {
-  for (std::string_view line; lines.next(line);)
-    if (wanted(line)) return true;
-  return false;
-}
-
-bool IsHeading(std::string_view line) {
-  return line == heading;
-}
-
 bool IsRule(std::string_view line) {
   return line.starts_with('-');
+}
+
+// Moves behind the heading and the rule under it.
+bool SkipToTable(ut_line_reader& lines) {
+  std::string_view line;
+  do
+    if (!lines.next_with(heading, line)) return false;
+  while (line != heading);
+  while (lines.next(line))
+    if (IsRule(line)) return true;
+  return false;
 }
 
 void ReadTable(ut_line_reader& lines, ResultsMap& results) {
@@ -106,11 +107,9 @@ void ReadTable(ut_line_reader& lines, ResultsMap& results) {
 }
 
 UT_STROBJ ReadScore(ut_line_reader& lines) {
-  for (std::string_view line; lines.next(line);) {
-    const std::size_t at = line.find(score_mark);
-    if (at != std::string_view::npos) return UT_STROBJ(line.substr(at + score_mark.size()));
-  }
-  return "0";
+  std::string_view line;
+  if (!lines.next_with(score_mark, line)) return "0";
+  return UT_STROBJ(line.substr(line.find(score_mark) + score_mark.size()));
 }
 
 }  // namespace
@@ -121,7 +120,7 @@ UT_STROBJ GetPrfResultVal(UT_STROBJ twrPath, ResultsMap& prfResults) {
     _ut_error(AboutFile("Unable to open twr file", twrPath).getstring(1));
     return "0";
   }
-  if (!SkipTo(lines, IsHeading) || !SkipTo(lines, IsRule)) return "0";
+  if (!SkipToTable(lines)) return "0";
   ReadTable(lines, prfResults);
   return ReadScore(lines);
 }

@@ -39,6 +39,11 @@ class VOSTRAND_API UT_FILEMANAGER {
   /// itself is doubled once.
   int append(const char* from, const char* to);
 
+  /// Moves a regular file that can be read: `to` holds its content as a copy would, and `from` goes once it
+  /// is complete. A file or link of the name `to` goes first, so that nothing at the link's other end
+  /// changes.
+  VOSTRAND_LOCAL int move(const char* from, const char* to);
+
   /// Deletes a file; of a symbolic link the link itself. A directory stays.
   int remove(const char* path);
   int mkdir(const char* path);

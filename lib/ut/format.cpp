@@ -1,5 +1,6 @@
 #include "ut/format.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <new>
@@ -10,9 +11,13 @@ std::string ut_vformat(const char* format, va_list arguments) {
   const ut_c_locale_scope c_locale;
   va_list again;
   va_copy(again, arguments);
-  const int length = std::vsnprintf(nullptr, 0, format, again);
+  // Formatting numbers is most of a report's work: nearly every text is done at the first attempt.
+  char first_attempt[512];
+  const int length = std::vsnprintf(first_attempt, sizeof first_attempt, format, again);
   va_end(again);
-  std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+  if (length < static_cast<int>(sizeof first_attempt))
+    return {first_attempt, first_attempt + std::max(length, 0)};
+  std::string text(static_cast<std::size_t>(length), '\0');
   // std::string keeps room for the closing NUL behind its last character.
   std::vsnprintf(text.data(), text.size() + 1, format, arguments);
   return text;

@@ -25,6 +25,14 @@ bool ut_line_reader::next(std::string_view& line) {
   return true;
 }
 
+bool ut_line_reader::next_with(std::string_view text, std::string_view& line) {
+  do {
+    if (stream_) stream_->skip_lines_without(text, piece);
+    if (!next(line)) return false;
+  } while (line.find(text) == std::string_view::npos);
+  return true;
+}
+
 bool ut_line_reader::next_whole(std::string& line) {
   line.clear();
   for (int stored = read_piece(); stored > 0; stored = read_piece()) {

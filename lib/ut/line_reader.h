@@ -19,6 +19,10 @@ class ut_line_reader {
   /// ends it too. `line` is valid until the next call.
   bool next(std::string_view& line);
 
+  /// The next such line that contains `text`, of at least two characters; the lines before it are passed
+  /// over.
+  bool next_with(std::string_view text, std::string_view& line);
+
   /// The next line whole, whatever its length and bytes.
   bool next_whole(std::string& line);
 

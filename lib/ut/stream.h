@@ -34,6 +34,12 @@ class VOSTRAND_API UT_STREAM {
   /// cannot be read.
   int readkey(unsigned char* buffer, int max, const char* delimiters);
 
+  /// Passes over lines without looking into them, as far as nothing of `text` (at least two characters) can
+  /// be in them. Lines count as readkey cuts them, in pieces of `max` characters, and the next character must
+  /// be the first of one. What stands behind is a piece again, one that may hold `text` or that was not read
+  /// whole; the caller reads it as usual and decides.
+  VOSTRAND_LOCAL void skip_lines_without(std::string_view text, unsigned long max);
+
  private:
   friend class UT_FILEMANAGER;
   UT_STREAM() = default;

@@ -117,9 +117,8 @@ unsigned long UT_STROBJ::reverse_find_char(char c, unsigned long start) const {
 }
 
 UT_STROBJ UT_STROBJ::part(unsigned long start, unsigned long n) const {
-  UT_STROBJ result;
-  if (start >= length || n == 0) return result;
-  result = *this;
+  if (start >= length || n == 0) return {};
+  UT_STROBJ result(*this);
   result.offset += start;
   result.length = std::min<std::uint64_t>(n, length - start);
   return result;
@@ -141,7 +140,8 @@ UT_STROBJ UT_STROBJ::trim_back(const char* set) const {
 }
 
 UT_STROBJ UT_STROBJ::trimmed() const {
-  return trim_back(ut_trim_set).trim_front(ut_trim_set);
+  const std::string_view kept = ut_trimmed(view());
+  return kept.empty() ? UT_STROBJ() : part(static_cast<unsigned long>(kept.data() - data()), kept.size());
 }
 
 UT_STRKEYS UT_STROBJ::match_reg_exp(const UT_REGEXP& pattern, unsigned long start) const {

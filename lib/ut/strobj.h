@@ -127,7 +127,7 @@ static_assert(sizeof(UT_STROBJ) == 24);
 
 /// Byte order; the order of every map that is keyed by names.
 inline bool operator<(const UT_STROBJ& a, const UT_STROBJ& b) {
-  return a.strcmp(b) < 0;
+  return a.view() < b.view();
 }
 inline bool operator==(const UT_STROBJ& a, const UT_STROBJ& b) {
   return a.view() == b.view();

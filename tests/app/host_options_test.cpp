@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "options/units.h"
 #include "plan/command_words.h"
 #include "result/sweep_result.h"
 
@@ -32,6 +33,12 @@ TEST(HostOptions, StandInFrontOfTheToolArguments) {
       {{"--jobs", "0", "top"}, 0, {}, "--jobs"},
       {{"--jobs", "two", "top"}, 0, {}, "--jobs: Value two not in range"},
       {{"--chdir", "/no/such/folder", "top"}, 0, {}, "--chdir: Directory does not exist"},
+      {{"--timeout", "5 minutes", "top"}, 0, {}, "--timeout: needs a duration such as 90s, 20m or 2h"},
+      {{"--memory", "much", "top"}, 0, {}, "--memory: needs a size such as 512M or 4G, not much"},
+      {{"--json", "/no/such/folder/x", "top"}, 0, {}, "--json: there is no folder /no/such/folder"},
+      {{"--grace", "5s", "top"}, 0, {}, "--grace requires --stop-now"},
+      {{"--quiet", "--verbose", "top"}, 0, {}, "--"},
+      {{"--retain", "some", "top"}, 0, {}, "--retain: some not in {all,best}"},
   };
   for (const auto& expected : cases) {
     const CommandLine line = ReadCommandLine(expected.arguments);
@@ -46,12 +53,31 @@ TEST(HostOptions, StandInFrontOfTheToolArguments) {
   EXPECT_TRUE(ReadCommandLine({"--help"}).host.show_help);
 }
 
+TEST(HostOptions, HaveUnits) {
+  const Words words = {"--timeout", "20m",      "--memory", "1.5G",    "--stop-now", "--grace",
+                       "90",        "--retain", "best",     "--until", "3",          "top"};
+  const HostOptions options = ReadCommandLine(words).host;
+  EXPECT_EQ(options.timeout_seconds, 1200);
+  EXPECT_EQ(options.memory_bytes, 1536LL << 20);
+  EXPECT_EQ(options.grace_seconds, 90);
+  EXPECT_TRUE(options.retain_best);
+  EXPECT_EQ(options.until, 3);
+  for (const char* text : {"", "s", "-1s", "1e3s", "inf", "nan", "5d", "1,5h", "9999h"})
+    EXPECT_FALSE(ReadDuration(text)) << text;
+  EXPECT_EQ(ReadDuration("0.5h"), 1800);
+  for (const char* text : {"", "G", "-4G", "0", "4GG", "4X", "9999999T", "4 G"})
+    EXPECT_FALSE(ReadSize(text)) << text;
+  EXPECT_EQ(ReadSize("64k"), 65536);
+  EXPECT_EQ(ReadSize("2MiB"), 2 << 20);
+}
+
 TEST(CommandWords, AreSplitByBlanksAndQuotesAlone) {
   EXPECT_EQ(SplitCommand("par -f a.tmp0  b  "), (Words{"par", "-f", "a.tmp0", "b"}));
   EXPECT_EQ(SplitCommand("sorv -msg \"my file\" \"\" $(x) a;b 'c"),
             (Words{"sorv", "-msg", "my file", "", "$(x)", "a;b", "'c"}));
   EXPECT_TRUE(FitsCommandLine("a;b$c\\"));
-  for (const char* name : {"a b", "a\tb", "a\"b", "a'b", "a\nb"}) EXPECT_FALSE(FitsCommandLine(name)) << name;
+  for (const char* name : {"a b", "a\tb", "a\"b", "a'b", "a\nb", "a\033[2Jb"})
+    EXPECT_FALSE(FitsCommandLine(name)) << name;
 }
 
 TEST(ExitCode, HasOnePrecedence) {
@@ -65,7 +91,7 @@ TEST(ExitCode, HasOnePrecedence) {
                {{0, 9}, true, 2, 130}, {{9}, false, 15, 143}};
   for (const auto& expected : cases) {
     SweepResult result;
-    for (const int status : expected.statuses) result.runs.push_back({"", status});
+    for (const int status : expected.statuses) result.runs.emplace_back().record.status = status;
     if (expected.missing) result.missing = {"top.ncd"};
     result.interrupted_by = expected.signal;
     EXPECT_EQ(ExitCode(result), expected.code);

@@ -1,0 +1,16 @@
+# Joins the style sheet and the script modules into a source file. The modules share one scope in the page, so what
+# connects them falls away.
+set(page_style_files page.css charts.css)
+set(page_script_files dom.mjs score.mjs data.mjs flips.mjs annotations.mjs sort_table.mjs what_if.mjs compare.mjs main.mjs)
+foreach(kind style script)
+  set(page_${kind} "\n")
+  foreach(file ${page_${kind}_files})
+    set(path ${CMAKE_CURRENT_LIST_DIR}/assets/${file})
+    file(READ ${path} text)
+    string(REGEX REPLACE "\nimport [^\n]*" "" text "\n${text}")
+    string(REGEX REPLACE "\nexport " "\n" text "${text}")
+    string(APPEND page_${kind} "${text}")
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${path})
+  endforeach()
+endforeach()
+configure_file(${CMAKE_CURRENT_LIST_DIR}/page_assets.cpp.in ${CMAKE_CURRENT_BINARY_DIR}/page_assets.cpp @ONLY)

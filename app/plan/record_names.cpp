@@ -1,0 +1,43 @@
+#include "plan/record_names.h"
+
+#include <filesystem>
+#include <map>
+
+namespace vostrand {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The same for all names of one file, whether or not it exists yet.
+fs::path OneName(const fs::path& path) {
+  std::error_code error;
+  const fs::path name = fs::weakly_canonical(fs::absolute(path, error), error);
+  return error ? path.lexically_normal() : name;
+}
+
+}  // namespace
+
+std::string WhyRecordsAreRefused(const HostOptions& options, const ToolFiles& files) {
+  const fs::path work_dir = options.work_dir.empty() ? "." : options.work_dir;
+  std::map<fs::path, std::string> taken;
+  for (const std::string& file : {files.par_commands, files.log, files.report, files.design,
+                                  files.preferences, files.trace_preferences})
+    if (!file.empty()) taken[OneName(work_dir / file)] = "the sweep's own " + file;
+  const fs::path stem = fs::path(files.output).replace_extension();
+  for (const char* const extension : {".ncd", ".par", ".twr", ".pad", ".dly", ".icf", ".out"})
+    taken[OneName(work_dir / (stem.string() + extension))] = "a result of the sweep";
+  const fs::path output_folder = OneName(work_dir / (stem.string() + ".dir"));
+
+  for (const std::string& file :
+       {options.json_file, options.html_file, options.events_file, options.junit_file, options.trace_file}) {
+    std::error_code error;
+    if (file.empty() || (fs::exists(file, error) && !fs::is_regular_file(file, error))) continue;
+    const fs::path name = OneName(file);
+    if (name.parent_path() == output_folder) return file + ": planning empties this folder";
+    const auto [at, free] = taken.try_emplace(name, "another record");
+    if (!free) return file + " cannot be a record: it is " + at->second;
+  }
+  return {};
+}
+
+}  // namespace vostrand

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "result/file_hasher.h"
+
+namespace vostrand {
+
+/// What the library promoted, from where to where.
+struct Promotion {
+  std::string output_dir;  ///< Folder of the runs' results; of no use for a single run.
+  std::string stem;        ///< Path of the result without extension.
+  std::string best;        ///< Name of the best run; empty when none finished.
+  bool timing = true;
+  bool multi_run = true;      ///< False: the tools wrote the result where it is.
+  std::int64_t began_ns = 0;  ///< Since the epoch: a single run's file that is older counts as missing.
+
+  std::string Summary() const;  ///< The summary without the best run's report behind it.
+};
+
+/// What one file of the result must hold.
+struct ExpectedFile {
+  std::string path;
+  FileHasher::Parts sources;  ///< Any one of these lists of files, joined; none: the tools wrote it here.
+  bool optional = false;      ///< There exactly when its source is.
+};
+std::vector<ExpectedFile> ExpectedFiles(const Promotion& promotion);
+
+/// What a check found.
+struct PromotionReport {
+  bool Good() const { return !files.empty() && missing.empty(); }
+
+  std::vector<PromotedFile> files;
+  std::vector<std::string> missing;  ///< "path (why)" of each file that is not as it must be.
+};
+
+/// Compares the promoted files with the best run's, since the library does not say when a copy fails. Goes on
+/// as long as the hasher lives; its Cancel ends it, and what was not compared is "not checked".
+void CheckPromotion(FileHasher& hasher, const Promotion& promotion,
+                    std::function<void(PromotionReport)> done);
+
+}  // namespace vostrand

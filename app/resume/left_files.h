@@ -1,0 +1,37 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "execute/events.h"
+#include "execute/run_plan.h"
+#include "resume/kept_run.h"
+
+namespace vostrand {
+
+/// A file as it lies there, a link as a link; nothing when there is none.
+std::optional<KeptFile> LookAt(const std::string& path, const std::string& name);
+
+/// The files at `name` in the folder, which may be a folder itself; their names begin with `name`.
+std::vector<std::string> FilesAt(const std::string& folder, const std::string& name);
+
+/// Notes what each run has left when it ends, so that nothing that is written later, by a process that nobody
+/// could reach, passes for its result.
+class LeftFiles final : public Observer {
+ public:
+  /// `plan` outlives this object.
+  explicit LeftFiles(const std::vector<PlannedRun>& plan) : plan_(plan), left_(plan.size()) {}
+
+  void On(const Event& event) override;
+  /// The finished runs whose files are not what they were.
+  std::vector<std::size_t> Changed() const;
+
+ private:
+  std::vector<KeptFile> Look(std::size_t run) const;
+
+  const std::vector<PlannedRun>& plan_;
+  std::vector<std::optional<std::vector<KeptFile>>> left_;
+};
+
+}  // namespace vostrand

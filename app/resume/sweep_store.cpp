@@ -1,0 +1,159 @@
+#include "resume/sweep_store.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <QCryptographicHash>
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <optional>
+#include <set>
+#include <thread>
+
+#include "resume/left_files.h"
+
+namespace vostrand {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr auto patience = std::chrono::seconds(4);  // A supervisor needs two and a little.
+
+std::string HashOf(const std::vector<std::string>& words) {
+  QCryptographicHash hash(QCryptographicHash::Sha256);
+  for (const std::string& word : words)
+    hash.addData(QByteArrayView(word.c_str(), static_cast<qsizetype>(word.size() + 1)));
+  return hash.result().toHex().left(16).toStdString();
+}
+
+// A hard link costs nothing and outlives the removal of the other name; where there can be none, a copy.
+bool LinkOrCopy(const fs::path& from, const fs::path& to) {
+  std::error_code error;
+  fs::create_directories(to.parent_path(), error);
+  fs::remove_all(to, error);
+  if (link(from.c_str(), to.c_str()) == 0) return true;
+  if (fs::is_symlink(from, error)) {
+    fs::copy_symlink(from, to, error);
+    return !error;
+  }
+  if (!fs::copy_file(from, to, error)) return false;
+  const auto time = fs::last_write_time(from, error);
+  fs::last_write_time(to, time, error);
+  return !error;
+}
+
+// The journal may say anything; only what the run may leave is touched.
+bool IsResultOf(const PlannedRun& run, const fs::path& name) {
+  if (name.empty() || name != name.lexically_normal()) return false;
+  return std::find(run.results.begin(), run.results.end(), name.begin()->string()) != run.results.end();
+}
+
+}  // namespace
+
+SweepStore::SweepStore(const std::string& work_dir, const std::vector<std::string>& tool_arguments,
+                       const std::string& output)
+    : folder_(work_dir + "/.vostrand/" + HashOf(tool_arguments)) {
+  const fs::path path = fs::absolute(fs::path(work_dir) / output).lexically_normal();
+  lock_file_ = work_dir + "/.vostrand/" + HashOf({(path.parent_path() / path.stem()).string()}) + ".lock";
+}
+
+SweepStore::~SweepStore() {
+  if (lock_ < 0) return;
+  // A refused plan leaves nothing behind; a folder in use stays.
+  std::error_code error;
+  if (!fs::exists(JournalFile(), error)) {
+    fs::remove(folder_ + "/lock", error);
+    fs::remove(folder_, error);
+    fs::remove(lock_file_, error);
+    fs::remove(fs::path(folder_).parent_path(), error);
+  }
+  close(lock_);
+}
+
+// Returns 0, EWOULDBLOCK while another holds the lock, or why there can be none. A lock on a file that its
+// last holder has removed since is none.
+int SweepStore::TryLock() {
+  const int file = open(lock_file_.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+  if (file < 0) return errno;
+  int error = flock(file, LOCK_EX | LOCK_NB) == 0 ? 0 : errno;
+  struct stat locked;
+  struct stat named;
+  if (error == 0 &&
+      (fstat(file, &locked) != 0 || stat(lock_file_.c_str(), &named) != 0 || locked.st_ino != named.st_ino))
+    error = EWOULDBLOCK;
+  if (error == 0)
+    lock_ = file;
+  else
+    close(file);
+  return error;
+}
+
+std::string SweepStore::Open() {
+  std::error_code error;
+  fs::create_directories(folder_, error);
+  if (error) return "cannot make " + folder_ + ": " + error.message();
+  const auto give_up = std::chrono::steady_clock::now() + patience;
+  while (const int failure = TryLock()) {
+    if (failure != EWOULDBLOCK) return "cannot lock " + lock_file_ + ": " + std::strerror(failure);
+    taken_ = std::chrono::steady_clock::now() >= give_up;
+    if (taken_) return "another vostrand is at work on this output";
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    fs::create_directories(folder_, error);
+  }
+  fs::remove(folder_ + "/lock", error);
+  fs::create_hard_link(lock_file_, folder_ + "/lock", error);
+  return {};
+}
+
+std::vector<KeptFile> SweepStore::Keep(const PlannedRun& run) const {
+  Drop(run);
+  std::vector<KeptFile> files;
+  for (const std::string& result : run.results)
+    for (const std::string& name : FilesAt(run.results_folder, result))
+      if (LinkOrCopy(fs::path(run.results_folder) / name, PathOf(name)))
+        if (const std::optional<KeptFile> kept = LookAt(PathOf(name), name)) files.push_back(*kept);
+  return files;
+}
+
+bool SweepStore::Restore(const PlannedRun& run, const KeptRun& kept) const {
+  if (kept.files.empty()) return false;
+  for (const KeptFile& file : kept.files) {
+    const std::optional<KeptFile> now = LookAt(PathOf(file.name), file.name);
+    if (!IsResultOf(run, file.name) || !now || now->size != file.size || now->modified_ns != file.modified_ns)
+      return false;
+  }
+  std::error_code error;
+  for (const std::string& result : run.results) fs::remove_all(fs::path(run.results_folder) / result, error);
+  bool restored = true;
+  for (const KeptFile& file : kept.files)
+    restored = restored && LinkOrCopy(PathOf(file.name), fs::path(run.results_folder) / file.name);
+  return restored;
+}
+
+void SweepStore::Drop(const PlannedRun& run) const {
+  std::error_code error;
+  for (const std::string& result : run.results) fs::remove_all(PathOf(result), error);
+}
+
+void SweepStore::DropAllBut(const std::vector<const PlannedRun*>& runs) const {
+  std::set<std::string> kept;
+  for (const PlannedRun* const run : runs) kept.insert(run->results.begin(), run->results.end());
+  std::vector<fs::path> dropped;
+  std::error_code error;
+  for (const auto& entry : fs::directory_iterator(folder_ + "/files", error))
+    if (!kept.contains(entry.path().filename())) dropped.push_back(entry.path());
+  for (const fs::path& path : dropped) fs::remove_all(path, error);
+}
+
+void SweepStore::Clear() const {
+  std::error_code error;
+  fs::remove(JournalFile(), error);
+  fs::remove_all(folder_ + "/files", error);
+}
+
+}  // namespace vostrand

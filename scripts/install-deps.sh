@@ -13,6 +13,7 @@ packages=(
 )
 [ "${1:-}" = --tools ] || packages+=(
   clang                                # the other compiler
+  libclang-rt-14-dev llvm              # its sanitizers and fuzzer, scripts/fuzz.sh
   libgtest-dev                         # tests
   locales                              # tests in other locales
   procps                               # tests that end processes

@@ -62,8 +62,8 @@ class Executor {
     std::size_t slot = 0;
     std::size_t step = 0;
     int try_number = 1;
-    int losses = 0;         // Tries of the step that its machine took with it.
-    bool waits = false;     // For a machine.
+    int losses = 0;      // Tries of the step that its machine took with it.
+    bool waits = false;  // For a machine.
     double began = 0;
     double step_began = 0;  // On its machine.
     long peak_kib = 0;

@@ -25,8 +25,8 @@ struct StepRequest {
   std::size_t step;
   std::vector<std::string> words;  ///< The program and its arguments.
   std::string output_file;         ///< Standard output and error are appended to it.
-  /// The run's commands behind this one, each with its step: who takes the whole run at once is asked for them
-  /// one by one all the same.
+  /// The run's commands behind this one, each with its step: who takes the whole run at once is asked for
+  /// them one by one all the same.
   std::vector<std::pair<std::size_t, std::vector<std::string>>> following;
   Placed placed;  ///< Called from the event loop whenever the place changes; never on this machine.
 };

@@ -9,7 +9,7 @@ namespace {
 
 constexpr int format_version = 1;
 
-constexpr const char* kind_names[] = {"sweep_started", "run_restored", "run_started",   "step_started",
+constexpr const char* kind_names[] = {"sweep_started", "run_restored",  "run_started",  "step_started",
                                       "step_placed",   "step_finished", "run_finished", "run_skipped",
                                       "stopping",      "sweep_finished"};
 

@@ -41,19 +41,16 @@ Ending EndingOf(const RunRecord& run, const TryRecord& attempt) {
 
 // When its machine began with it.
 qint64 Begin(const TryRecord& attempt) {
-  return Microseconds(std::min(attempt.started_seconds + attempt.outcome.queue_seconds, attempt.ended_seconds));
+  return Microseconds(
+      std::min(attempt.started_seconds + attempt.outcome.queue_seconds, attempt.ended_seconds));
 }
 
 QJsonObject Queued(const RunResult& run, const TryRecord& attempt) {
   const qint64 began = Microseconds(attempt.started_seconds);
-  return {{"ph", "X"},
-          {"name", QString::fromStdString(run.record.name) + " queued"},
-          {"cat", "queued"},
-          {"cname", "white"},
-          {"pid", process},
-          {"tid", static_cast<qint64>(run.record.slot)},
-          {"ts", began},
-          {"dur", Begin(attempt) - began}};
+  return {{"ph", "X"},       {"name", QString::fromStdString(run.record.name) + " queued"},
+          {"cat", "queued"}, {"cname", "white"},
+          {"pid", process},  {"tid", static_cast<qint64>(run.record.slot)},
+          {"ts", began},     {"dur", Begin(attempt) - began}};
 }
 
 QJsonObject Bar(const RunResult& run, const TryRecord& attempt) {

@@ -63,8 +63,7 @@ std::string SummaryText(const SweepResult& result) {
   if (!result.order.empty()) text += "best: " + result.runs[result.order.front()].record.name + "\n";
   using State = PromotedFile::State;
   for (const PromotedFile& file : result.promoted)
-    if (file.state == State::equal)
-      text += "  " + file.path + "\n";
+    if (file.state == State::equal) text += "  " + file.path + "\n";
   if (!result.options.html_file.empty()) text += "page: " + result.options.html_file + "\n";
   for (const std::string& what : result.missing) text += "missing: " + what + "\n";
   return text;

@@ -21,8 +21,9 @@ struct Outcome {
 };
 
 /// Writes the outcome as lines "name value", beside the file first, so that it is there whole or not at all.
-/// False when it cannot be written.
-bool WriteOutcome(const std::string& path, const Outcome& outcome);
+/// With `to_disk` that holds through a failure of the machine as well, which costs milliseconds. False when
+/// it cannot be written.
+bool WriteOutcome(const std::string& path, const Outcome& outcome, bool to_disk);
 
 /// Reads what WriteOutcome wrote. False when the file is not there or not whole.
 bool ReadOutcome(const std::string& path, Outcome& outcome);

@@ -59,6 +59,7 @@ class Group {
   timespec Patience() const;
   void EndIfOverdue();
   void EndIfGivenUp();
+  bool Write() const;
   int Finish();
 
   const Command& command_;
@@ -162,7 +163,8 @@ void Group::TakeSignal(const timespec& patience) {
 timespec Group::Patience() const {
   if (kill_at_ != 0) return {0, 20'000'000};
   double left = command_.lease_file.empty() ? 3600 : 1;
-  if (command_.timeout_ms != 0) left = std::min(left, std::max(0.0, began_ + command_.timeout_ms / 1e3 - Now()));
+  if (command_.timeout_ms != 0)
+    left = std::min(left, std::max(0.0, began_ + command_.timeout_ms / 1e3 - Now()));
   const auto seconds = static_cast<time_t>(left);
   return {seconds, static_cast<long>((left - static_cast<double>(seconds)) * 1e9)};
 }
@@ -174,8 +176,8 @@ void Group::EndIfOverdue() {
   kill_at_ = Now() + command_.grace_seconds;
 }
 
-// Where a signal cannot reach: on a machine that its cluster has lost. Opened, since a shared file system answers
-// other questions from memory.
+// Where a signal cannot reach: on a machine that its cluster has lost. Opened, since a shared file system
+// answers other questions from memory.
 void Group::EndIfGivenUp() {
   if (kill_at_ != 0 || command_.lease_file.empty()) return;
   const int lease = open(command_.lease_file.c_str(), O_RDONLY | O_CLOEXEC);
@@ -195,6 +197,12 @@ void Group::WaitForAll() {
   }
 }
 
+// A host on this machine would not outlive the machine; one that finds the outcome by a lease may be on
+// another.
+bool Group::Write() const {
+  return WriteOutcome(command_.outcome_file, outcome_, !command_.lease_file.empty());
+}
+
 int Group::Finish() {
   rusage usage;
   getrusage(RUSAGE_CHILDREN, &usage);
@@ -209,7 +217,7 @@ int Group::Finish() {
     outcome_.exit_code = time_was_over;
     outcome_.message = "ended since its time was over";
   }
-  return WriteOutcome(command_.outcome_file, outcome_) ? outcome_.exit_code : cannot_write;
+  return Write() ? outcome_.exit_code : cannot_write;
 }
 
 int Group::Run() {
@@ -224,7 +232,7 @@ int Group::Run() {
   sigprocmask(SIG_BLOCK, &taken, nullptr);
   if (!Start()) {
     outcome_.exit_code = cannot_start;
-    return WriteOutcome(command_.outcome_file, outcome_) ? cannot_start : cannot_write;
+    return Write() ? cannot_start : cannot_write;
   }
   NoteGroup();
   WaitForAll();

@@ -21,20 +21,13 @@ inline FuzzedDataProvider Parts(std::string_view in) {
   return {reinterpret_cast<const std::uint8_t*>(in.data()), in.size()};
 }
 
-/// A file in memory that only this process has.
-class MemoryFile {
- public:
-  explicit MemoryFile(std::string_view text) : file_(memfd_create("input", MFD_CLOEXEC)) {
-    Check(write(file_, text.data(), text.size()) == static_cast<ssize_t>(text.size()));
-  }
-  ~MemoryFile() { close(file_); }
-  MemoryFile(const MemoryFile&) = delete;
-  MemoryFile& operator=(const MemoryFile&) = delete;
-  std::string Path() const { return "/proc/self/fd/" + std::to_string(file_); }
-
- private:
-  int file_;
-};
+/// The path of a file in memory that holds the text, until the next text takes its place.
+inline std::string InMemory(std::string_view text) {
+  static const int file = memfd_create("input", MFD_CLOEXEC);
+  const auto size = static_cast<ssize_t>(text.size());
+  Check(ftruncate(file, 0) == 0 && pwrite(file, text.data(), text.size(), 0) == size);
+  return "/proc/self/fd/" + std::to_string(file);
+}
 
 /// A folder of its own below TMPDIR, current while it lives.
 class Scratch {
@@ -51,8 +44,6 @@ class Scratch {
     std::filesystem::current_path("/");
     std::filesystem::remove_all(top_);
   }
-  Scratch(const Scratch&) = delete;
-  Scratch& operator=(const Scratch&) = delete;
   void Write(const char* name, std::string_view text) const { std::ofstream(name, std::ios::binary) << text; }
   std::string Read(const char* name) const {
     std::ifstream file(name, std::ios::binary);

@@ -11,31 +11,31 @@ using namespace orlo::vostrand_lib;
 
 // What is found is in the file.
 void par_result(std::string_view in) {
-  const MemoryFile file(in);
+  const UT_STROBJ file(InMemory(in));
   ParScoreVal result;
   result.name = "5_1";
-  const bool found = GetParResult(file.Path().c_str(), result);
+  const bool found = GetParResult(file, result);
   Check(found == result.valid && found != result.line.empty() && in.find(result.line.view()) != in.npos);
 }
 
 // Every annotation counts, and has a place of its own or another's.
 void preference_file(std::string_view in) {
-  const MemoryFile file(in);
+  const UT_STROBJ file(InMemory(in));
   WeightsMap weights{{"PERIOD", {1, 2}}, {"FREQUENCY", {3, 4}}};
-  const int count = GetWPFromPrf(file.Path().c_str(), weights);
+  const int count = GetWPFromPrf(file, weights);
   const std::size_t known = weights.size();
   Check(count >= 0 && known <= 2 + 2 * static_cast<std::size_t>(count));
-  Check(GetWPFromPrf(file.Path().c_str(), weights) == count && weights.size() == known);
+  Check(GetWPFromPrf(file, weights) == count && weights.size() == known);
 }
 
 // The score is the same again.
 void timing_report(std::string_view in) {
-  const MemoryFile file(in);
+  const UT_STROBJ file(InMemory(in));
   const WeightsMap weights{{"PERIOD", {1, 2}}, {"FREQUENCY", {3, 4}}, {"INPUT_SETUP", {5, 6}}};
   ResultsMap results;
-  const UT_STROBJ score = GetPrfResultVal(file.Path().c_str(), results);
-  const PSScoreInfo first = GetPSScore(file.Path().c_str(), results, weights);
-  const PSScoreInfo second = GetPSScore(file.Path().c_str(), results, weights);
+  const UT_STROBJ score = GetPrfResultVal(file, results);
+  const PSScoreInfo first = GetPSScore(file, results, weights);
+  const PSScoreInfo second = GetPSScore(file, results, weights);
   Check(first.csvText == second.csvText && first.timingScore == score.trimmed());
 }
 

@@ -1,5 +1,6 @@
 // What the host reads. Most of it can be written again, and has to read the same then.
 #include <QJsonDocument>
+#include <algorithm>
 #include <cmath>
 
 #include "common.h"
@@ -46,24 +47,25 @@ void events(std::string_view in) {
 }
 
 void job_journal(std::string_view in) {
-  const MemoryFile file(in), again("");
-  const std::vector<JobNote> notes = JobJournal::Read(file.Path());
-  JobJournal journal(again.Path());
+  const Scratch scratch;
+  scratch.Write("jobs", in);
+  const std::vector<JobNote> notes = JobJournal::Read("jobs");
+  JobJournal journal("again");
   for (const JobNote& note : notes) Check(journal.Submitting(note));
-  const std::vector<JobNote> read = JobJournal::Read(again.Path());
-  Check(read.size() == notes.size());
-  for (std::size_t i = 0; i < notes.size(); ++i)
-    Check(read[i].job == notes[i].job && read[i].run.name == notes[i].run.name &&
-          read[i].run.results == notes[i].run.results && read[i].steps == notes[i].steps);
+  const auto same = [](const JobNote& a, const JobNote& b) {
+    return a.job == b.job && a.run.name == b.run.name && a.run.results == b.run.results && a.steps == b.steps;
+  };
+  const std::vector<JobNote> read = JobJournal::Read("again");
+  Check(std::equal(read.begin(), read.end(), notes.begin(), notes.end(), same));
 }
 
 void journal(std::string_view in) {
-  const MemoryFile file(in);
-  const auto runs = ReadKeptRuns(file.Path());
+  const std::string file = InMemory(in);
+  const auto runs = ReadKeptRuns(file);
   if (runs.empty()) return;
   const auto& [name, kept] = *runs.begin();
-  Check(AppendKeptRun(file.Path(), kept));
-  const auto again = ReadKeptRuns(file.Path());
+  Check(AppendKeptRun(file, kept));
+  const auto again = ReadKeptRuns(file);
   const KeptRun& read = again.at(name);
   Check(again.size() == runs.size() && read.identity == kept.identity && read.files == kept.files);
   Check(ToJson(read.record) == ToJson(kept.record));
@@ -76,7 +78,7 @@ void outcome_file(std::string_view in) {
   step::Outcome outcome, again;
   if (!ReadOutcome("outcome", outcome) || std::abs(outcome.elapsed_seconds) > 1e9) return;
   outcome.cpu_seconds = outcome.elapsed_seconds;
-  Check(WriteOutcome("outcome", outcome) && ReadOutcome("outcome", again));
+  Check(WriteOutcome("outcome", outcome, false) && ReadOutcome("outcome", again));
   Check(again.exit_code == outcome.exit_code && again.message == outcome.message &&
         again.peak_kib == outcome.peak_kib && std::abs(again.cpu_seconds - outcome.elapsed_seconds) < 3e-6);
 }

@@ -74,14 +74,20 @@ void command_line(std::string_view in) {
   RunTool(given.Count(), given.argv.data(), true);
 }
 
-// What is written back gives the same plan again. No report: the level in the file may name any folder.
+// What is written back gives the same plan again, and stays but for a "\r", which counts as part of the
+// line's end once a "\n" follows it. No report: the level in the file may name any folder.
 void par_command_file(std::string_view in) {
   const Scratch scratch;
   scratch.Write("a.p2t", in);
   scratch.Write("a_map.ncd", "design\n");
   std::istringstream design("a");
   Arguments given(design);
+  const auto written = [&] {
+    std::string text = scratch.Read("a.p2t");
+    std::erase(text, '\r');
+    return text;
+  };
   const std::string plan = RunTool(2, given.argv.data(), false);
-  const std::string rewritten = scratch.Read("a.p2t");
-  Check(RunTool(2, given.argv.data(), false) == plan && scratch.Read("a.p2t") == rewritten);
+  const std::string rewritten = written();
+  Check(RunTool(2, given.argv.data(), false) == plan && written() == rewritten);
 }

@@ -1,32 +1,84 @@
-// The program on a terminal: whatever it drew on the way, the screen is left with whole lines only.
+// The program on a terminal: what it draws, what it leaves, and the keys of its user.
 #include <pty.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include "common/host_run.h"
 
-TEST_F(HostTest, OnATerminalTheBlockComesAndGoes) {
-  int master = -1;
-  int slave = -1;
-  const winsize size{24, 80, 0, 0};
-  ASSERT_EQ(openpty(&master, &slave, nullptr, nullptr, &size), 0);
-  Write("w/behave/5_1", "sleep 1.3\n");
-  process.setChildProcessModifier([&] { dup2(slave, STDERR_FILENO); });
-  setenv("TERM", "xterm", 1);
-  setenv("NO_COLOR", "1", 1);
+namespace {
+
+class TerminalTest : public HostTest {
+ protected:
+  // Gives the program a terminal of its own, so wide, as standard input and error.
+  void Open(unsigned short columns) {
+    const winsize size{24, columns, 0, 0};
+    ASSERT_EQ(openpty(&master_, &slave_, nullptr, nullptr, &size), 0);
+    process.setChildProcessModifier([this] {
+      setsid();
+      ioctl(slave_, TIOCSCTTY, 0);
+      dup2(slave_, STDIN_FILENO);
+      dup2(slave_, STDERR_FILENO);
+    });
+    setenv("TERM", "xterm", 1);
+    setenv("NO_COLOR", "1", 1);
+    reader_ = std::thread([this] {
+      char bytes[4096];
+      for (ssize_t n = 0; (n = read(master_, bytes, sizeof bytes)) > 0;)
+        drawn.append(bytes, static_cast<std::size_t>(n));
+    });
+  }
+  void Type(const char* keys) const { EXPECT_EQ(write(master_, keys, strlen(keys)), ssize_t(strlen(keys))); }
+  // After the program: with its copies gone the reader comes to the end.
+  void Close() {
+    close(slave_);
+    reader_.join();
+    close(master_);
+  }
+
   std::string drawn;
-  std::thread reader([&] {
-    char bytes[4096];
-    for (ssize_t n = 0; (n = read(master, bytes, sizeof bytes)) > 0;)
-      drawn.append(bytes, static_cast<std::size_t>(n));
-  });
+
+ private:
+  int master_ = -1;
+  int slave_ = -1;
+  std::thread reader_;
+};
+
+}  // namespace
+
+TEST_F(TerminalTest, TheBlockComesAndGoes) {
+  Open(80);
+  Write("w/behave/5_1", "sleep 1.3\n");
   EXPECT_EQ(Sweep({"--jobs", "1", "--verbose"}), 0);
-  close(slave);  // With the program's copies gone the reader comes to the end.
-  reader.join();
-  close(master);
+  Close();
   EXPECT_NE(drawn.find("5_1  1/2 par  0:01"), std::string::npos) << drawn;
   EXPECT_NE(drawn.find("5_3 | routing 5_3\r\n"), std::string::npos) << drawn;
   const std::size_t last = drawn.rfind("\x1b[J");
   ASSERT_NE(last, std::string::npos) << drawn;
   EXPECT_EQ(drawn.find("\x1b[K", last), std::string::npos) << "no block is drawn behind the last clearing";
   EXPECT_NE(drawn.find("[4/4] 5_4 finished after "), std::string::npos) << drawn;
+}
+
+TEST_F(TerminalTest, CtrlCEndsTheRunsOnceKindlyAndTwiceAtOnce) {
+  Write("w/behave/5_1", "trap 'sleep 0.5; echo cleaned >cleaned; exit 1' TERM\n" + std::string(sleeper));
+  for (const int presses : {1, 2}) {
+    std::filesystem::remove(Path("w/cleaned"));
+    std::filesystem::remove(Path("w/pid_5_1"));
+    drawn.clear();
+    Open(30);
+    Start({"--jobs", "1", "--toolchain", "tools", "--chdir", "w", "top"});
+    ASSERT_TRUE(WaitFor("w/pid_5_1"));
+    for (int i = 0; i < presses; ++i) {
+      Type("\x03");
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    EXPECT_EQ(Wait(), 130);
+    Close();
+    EXPECT_TRUE(HasEnded("w/pid_5_1"));
+    EXPECT_EQ(Exists("w/cleaned"), presses == 1);
+    EXPECT_NE(drawn.find("once more ends it at once"), std::string::npos) << drawn;
+    const std::size_t status = drawn.find(" running");  // The status line, cut to 29 columns.
+    ASSERT_NE(status, std::string::npos) << drawn;
+    const std::size_t begin = drawn.rfind('\n', status) + 1;
+    EXPECT_LE(drawn.find("\x1b[K", status) - begin, 29U) << drawn;
+  }
 }

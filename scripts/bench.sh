@@ -17,13 +17,15 @@ scripts/install-deps.sh --bench
 cmake --preset release -B "$build" -DVOSTRAND_BUILD_BENCH=ON >/dev/null
 cmake --build "$build" --target bench_points bench_strings vostrandlib
 # Measured where it can be built; it needs more than the library.
-cmake --build "$build" --target vostrand || echo "bench.sh: the program is left out" >&2
+cmake --build "$build" --target vostrand vostrand-step || echo "bench.sh: the program is left out" >&2
 
 inputs=$out/inputs
 trap 'rm -rf "$inputs" /dev/shm/vostrand-bench.ncd' EXIT
 rm -rf "$inputs"
 "$build"/bench/bench_points "$inputs" "$build/app/vostrand" "$PWD/$build/lib/libvostrandlib.so.1" |
   tee "$out/report.md"
+
+[ ! -x "$build/app/vostrand" ] || bench/dispatch.sh "$build/app/vostrand" "$inputs/dispatch" | tee -a "$out/report.md"
 
 # The growth table as a plot, both axes logarithmic: time on the left, peak memory on the right.
 awk -F'|' '

@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <QDir>
 #include <QTimer>
 #include <csignal>
 #include <cstring>
@@ -40,6 +41,12 @@ class SpawnSettings {
   posix_spawn_file_actions_t actions;
 };
 
+// In memory where that can be had: three small files a command cost a disk more than the supervisor costs.
+QString ScratchTemplate() {
+  const QString folder = access("/dev/shm", W_OK | X_OK) == 0 ? QStringLiteral("/dev/shm") : QDir::tempPath();
+  return folder + "/vostrand-XXXXXX";
+}
+
 // A supervisor that wrote no outcome was killed itself; its program goes with it, and here the program's
 // group.
 step::Outcome OutcomeOf(int wait_status, const std::string& file) {
@@ -62,7 +69,8 @@ LocalLauncher::LocalLauncher(std::string supervisor, std::string work_dir, ToolF
     : supervisor_(std::move(supervisor)),
       work_dir_(std::move(work_dir)),
       tools_(std::move(tools)),
-      timeout_seconds_(timeout_seconds) {}
+      timeout_seconds_(timeout_seconds),
+      outcomes_(ScratchTemplate()) {}
 
 LocalLauncher::~LocalLauncher() {
   for (const auto& [id, running] : running_) close(running.ended_file);

@@ -50,7 +50,7 @@ std::vector<std::string> LinesWithMark(const std::string& path, auto next_with) 
 }
 
 TEST_F(FastPaths, SkippingFindsTheLinesThatReadingAllOfThemFinds) {
-  constexpr std::string_view mark = "Score:";
+  static constexpr std::string_view mark = "Score:";
   const auto reading = [](ut_line_reader& lines, std::string_view& line) {
     while (lines.next(line))
       if (line.find(mark) != std::string_view::npos) return true;

@@ -27,6 +27,7 @@
 #include "records/write_records.h"
 #include "result/file_hasher.h"
 #include "result/promotion_check.h"
+#include "result/report_runs.h"
 #include "result/retain.h"
 #include "result/scores.h"
 #include "result/summary.h"
@@ -56,7 +57,6 @@ class Sweep {
   std::string TakeUpJobs();
   void LookAtInputs();
   void Execute();
-  void Report();
   void CheckPromotion();
   void Finish();
 
@@ -85,6 +85,17 @@ class Sweep {
   std::function<void()> end_what_goes_on_;  // Called at an interrupt.
 };
 
+SlurmSettings SettingsFor(const HostOptions& options, const std::string& own_folder,
+                          const std::string& work_dir, const std::string& state_folder) {
+  SlurmSettings settings;
+  settings.supervisor = own_folder + "/vostrand-step";
+  settings.work_dir = std::filesystem::absolute(work_dir).lexically_normal();
+  settings.state_folder = std::filesystem::absolute(state_folder).lexically_normal();
+  settings.sbatch_arguments = SplitCommand(options.slurm_args);
+  settings.timeout_seconds = options.timeout_seconds;
+  return settings;
+}
+
 Sweep::Sweep(const HostOptions& options, const std::vector<std::string>& tool_arguments,
              const std::string& own_folder)
     : tool_arguments_(tool_arguments),
@@ -99,13 +110,8 @@ Sweep::Sweep(const HostOptions& options, const std::vector<std::string>& tool_ar
   result_.tool_arguments = tool_arguments;
   result_.options = options;
   if (options.launcher == "slurm") {
-    SlurmSettings settings;
-    settings.supervisor = own_folder + "/vostrand-step";
-    settings.work_dir = std::filesystem::absolute(work_dir_).lexically_normal();
-    settings.state_folder = std::filesystem::absolute(resumption_.Folder()).lexically_normal();
-    settings.sbatch_arguments = SplitCommand(options.slurm_args);
-    settings.timeout_seconds = options.timeout_seconds;
-    slurm_.emplace(std::move(settings), tools_, clock_, [this](const std::string& line) { Warn(line); });
+    slurm_.emplace(SettingsFor(options, own_folder, work_dir_, resumption_.Folder()), tools_, clock_,
+                   [this](const std::string& line) { Warn(line); });
   } else if (result_.options.jobs == 0) {
     result_.options.jobs = QThread::idealThreadCount();
   }
@@ -286,42 +292,10 @@ void Sweep::FailChanged(const LeftFiles& left) {
   }
 }
 
-void Sweep::Report() {
-  for (std::size_t i = 0; i < plan_.size(); ++i) {
-    for (const PlannedStep& step : plan_[i].steps) result_.runs[i].steps.push_back(step.words);
-    result_.runs[i].output_file = plan_[i].output_file;
-  }
-  Scores scores(library_);
-  library_.Report();
-  scores.Complete(result_);
-  const bool failed_fast = result_.options.fail_fast && result_.Failed() > 0;
-  std::vector<Verdict> verdicts;
-  for (const std::size_t index : result_.order) {
-    RunResult& run = result_.runs[index];
-    run.record.verdict = {run.has_row ? std::optional(run.timing_score == 0) : std::nullopt, run.score};
-    verdicts.push_back(run.record.verdict);
-  }
-  result_.odds = OddsOf(verdicts);
-  // A sweep that ended with the run it was after says little about the next one.
-  const bool stopped_by_timing =
-      !result_.stopped_because.empty() && result_.interrupted_by == 0 && !failed_fast;
-  result_.odds.has_gain = result_.odds.has_gain && !stopped_by_timing;
-  if (result_.timing && !HasScoreReport(library_, result_.order))
-    result_.missing.push_back(library_.PathOf(library_.Info().reportFile.getstring()));
-}
-
 // The library does not say whether its copies succeeded.
 void Sweep::CheckPromotion() {
   if (result_.order.empty()) return;
-  const RunRecord& best = result_.runs[result_.order.front()].record;
-  Promotion promotion;
-  promotion.output_dir = library_.OutputPath();
-  promotion.multi_run = library_.Info().multiRun;
-  promotion.stem = promotion.multi_run ? library_.PathOf(library_.Info().outputName.getstring())
-                                       : promotion.output_dir.substr(0, promotion.output_dir.size() - 4);
-  promotion.best = best.name;
-  promotion.timing = result_.timing;
-  promotion.began_ns = best.restored ? 0 : began_ns_;
+  const Promotion promotion = PromotionOf(library_, result_, began_ns_);
   PromotionReport report;
   FileHasher hasher;
   end_what_goes_on_ = [&] { hasher.Cancel(); };
@@ -339,7 +313,7 @@ void Sweep::CheckPromotion() {
   for (const PlannedRun& run : plan_) names.push_back(run.name);
   for (const std::string& file : RetainBest(report, promotion, names)) Warn("cannot remove " + file);
   // Their links would keep the space taken; but a sweep that can be resumed needs them.
-  if (result_.Finished() == plan_.size()) resumption_.DropOthers(plan_, best.name);
+  if (result_.Finished() == plan_.size()) resumption_.DropOthers(plan_, promotion.best);
 }
 
 void Sweep::Finish() {
@@ -374,7 +348,7 @@ int Sweep::Run() {
     const Signals interrupts([this](int signal) { Interrupted(signal); });
     LookAtInputs();
     Execute();
-    Report();
+    ReportRuns(library_, plan_, result_);
     CheckPromotion();
   }
   Finish();

@@ -147,6 +147,10 @@ std::string Sweep::WhyRefused() {
 
 // What a killed host has left on a cluster, whatever this sweep runs on: planning would empty its folder.
 std::string Sweep::TakeUpJobs() {
+  for (const std::string& folder : resumption_.FoldersOfOutput()) {
+    const std::string why = Adoption(folder, [this](const std::string& line) { Warn(line); }).WhyRefused();
+    if (!why.empty()) return why;
+  }
   Adoption adoption(resumption_.Folder(), [this](const std::string& line) { Warn(line); });
   const std::string why = result_.options.resume ? adoption.Wait() : adoption.WhyRefused();
   result_.interrupted_by = adoption.InterruptedBy();

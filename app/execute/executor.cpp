@@ -11,7 +11,6 @@ constexpr int cannot_begin = 126;           // Status of a run whose way could n
 constexpr double memory_check_seconds = 1;  // Memory is freed by others too, and nobody tells.
 constexpr double settling_seconds = 10;     // Until a run has taken most of the memory that it needs.
 constexpr int ended_by_others = 143;        // Status of a run whose tool was ended, but by none of us.
-constexpr std::size_t nobody = static_cast<std::size_t>(-1);
 
 }  // namespace
 
@@ -180,6 +179,7 @@ void Executor::StepEnded(std::size_t run, const step::Outcome& outcome) {
       StartCommand(running);
     else
       EndRun(run, cannot_begin, failure);
+    if (failure.empty() && Stopping() && run != wanted_) launcher_.Withdraw(run);
   } else if (running.told_to_end && (outcome.cancelled || has_more)) {
     EndRun(run, cancelled_status);
   } else if (outcome.exit_code != 0) {
@@ -225,6 +225,7 @@ void Executor::StopIfRequested(std::size_t by_run) {
 void Executor::Stop(const std::string& why, std::size_t but_not) {
   if (Stopping()) return;
   stopped_because_ = why;
+  wanted_ = but_not;
   Event event(Event::Kind::stopping);
   event.message = why;
   Tell(event);

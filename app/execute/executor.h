@@ -56,6 +56,7 @@ class Executor {
   const std::string& StoppedBecause() const { return stopped_because_; }
 
  private:
+  static constexpr std::size_t nobody = static_cast<std::size_t>(-1);
   // A run that has been started and not ended.
   struct Running {
     std::size_t run = 0;
@@ -106,6 +107,7 @@ class Executor {
   long expected_peak_kib_ = 0;  // The most that a finished run took; 0 before one has finished.
   int met_ = 0;
   std::string stopped_because_;
+  std::size_t wanted_ = nobody;  // The run that asked for the stop.
   bool started_ = false;
   bool cancelled_ = false;
   bool waiting_for_memory_ = false;

@@ -26,6 +26,8 @@ class Resumption {
   void ReadEarlier();
   /// The folder that holds the sweep's state.
   const std::string& Folder() const { return store_.Folder(); }
+  /// The state folders of sweeps with the same output and other arguments.
+  std::vector<std::string> FoldersOfOutput() const { return store_.FoldersOfOutput(); }
   bool IsTaken() const { return store_.IsTaken(); }
   int LockFile() const { return store_.LockFile(); }
   /// Finished runs of the earlier sweep, whether or not they can be taken over.

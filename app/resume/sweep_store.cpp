@@ -110,6 +110,19 @@ std::string SweepStore::Open() {
   return {};
 }
 
+std::vector<std::string> SweepStore::FoldersOfOutput() const {
+  std::vector<std::string> folders;
+  std::error_code error;
+  const fs::path own(folder_);
+  for (const auto& entry : fs::directory_iterator(own.parent_path(), error)) {
+    std::error_code other;
+    if (entry.is_directory(other) && entry.path().filename() != own.filename() &&
+        fs::equivalent(entry.path() / "lock", own / "lock", other))
+      folders.push_back(entry.path());
+  }
+  return folders;
+}
+
 std::vector<KeptFile> SweepStore::Keep(const PlannedRun& run) const {
   Drop(run);
   std::vector<KeptFile> files;

@@ -31,6 +31,8 @@ class SweepStore {
   /// Another process holds the lock.
   bool IsTaken() const { return taken_; }
   const std::string& Folder() const { return folder_; }
+  /// The folders beside it that share its lock: those of sweeps with the same output and other arguments.
+  std::vector<std::string> FoldersOfOutput() const;
   std::string JournalFile() const { return folder_ + "/journal.jsonl"; }
 
   /// Links a finished run's files; what was kept under its name before goes.

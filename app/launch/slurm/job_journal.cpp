@@ -44,7 +44,7 @@ JobJournal::~JobJournal() {
 
 bool JobJournal::Write(const QJsonObject& line, bool to_disk) {
   if (file_ < 0) file_ = open(path_.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
-  const QByteArray text = JsonLine(line);
+  const QByteArray text = '\n' + JsonLine(line);  // Not joined to one that a full disk has torn.
   return file_ >= 0 && write(file_, text.constData(), static_cast<std::size_t>(text.size())) == text.size() &&
          (!to_disk || fdatasync(file_) == 0);
 }

@@ -16,7 +16,8 @@ constexpr auto patience = std::chrono::seconds(60);  // They give up on a contro
 
 bool IsUnwanted(const QString& variable) {
   if (variable == "SLURM_CONF") return false;
-  for (const char* const prefix : {"SLURM_", "SQUEUE_", "SCANCEL_", "SBATCH_ARRAY", "SBATCH_WAIT"})
+  for (const char* const prefix :
+       {"SLURM_", "SQUEUE_", "SCANCEL_", "SBATCH_ARRAY", "SBATCH_WAIT", "SBATCH_CLUSTERS"})
     if (variable.startsWith(prefix)) return true;
   return false;
 }
@@ -46,7 +47,8 @@ void Prepare(QProcess& process, const std::vector<std::string>& words) {
 
 CommandResult ResultOf(QProcess& process) {
   CommandResult result;
-  if (process.state() == QProcess::NotRunning && process.error() == QProcess::FailedToStart)
+  result.started = process.state() != QProcess::NotRunning || process.error() != QProcess::FailedToStart;
+  if (!result.started)
     result.err = (process.program() + ": " + process.errorString()).toStdString();
   else if (process.exitStatus() == QProcess::NormalExit && process.state() == QProcess::NotRunning)
     result.exit_code = process.exitCode();
@@ -60,9 +62,9 @@ CommandResult ResultOf(QProcess& process) {
 bool CommandResult::IsUnanswered() const {
   if (Succeeded()) return false;
   for (const char* const text : {"Unable to contact", "timed out", "Connection refused", "Zero Bytes",
-                                 "connect failure", "Transport endpoint"})
+                                 "connect failure", "Transport endpoint", "retrying"})
     if (err.find(text) != std::string::npos) return true;
-  return exit_code < 0 && err.empty();
+  return exit_code < 0 && started;  // Ended half way: nobody knows how far it came.
 }
 
 std::string CommandResult::Why() const {

@@ -12,6 +12,7 @@ struct CommandResult {
   int exit_code = -1;  ///< -1 when it could not be started, was killed or took too long.
   std::string out;
   std::string err;
+  bool started = true;  ///< False when there is no such command.
 
   bool Succeeded() const { return exit_code == 0; }
   /// The cluster's controller did not answer, or nobody knows whether it has heard the request: later the

@@ -8,6 +8,20 @@
 #include "launch/slurm/slurm_commands.h"
 
 namespace vostrand {
+namespace {
+
+// Options that make something else of a submission than one job that is watched here. Long ones may be cut
+// short.
+bool IsRefused(const std::string& word) {
+  for (const char* const letter : {"-a", "-W", "-M", "-h", "-V"})
+    if (word.starts_with(letter)) return true;
+  const std::string name = word.substr(0, word.find('='));
+  for (const std::string refused : {"--array", "--wrap", "--wait", "--clusters", "--test-only"})
+    if (name.size() > 3 && refused.starts_with(name)) return true;
+  return word == "--" || word == ":" || word == "--help" || word == "--version";
+}
+
+}  // namespace
 
 std::vector<std::string> SubmitCommand(const SlurmSettings& settings, const std::string& own_option) {
   std::vector<std::string> words = {"sbatch"};
@@ -28,8 +42,7 @@ std::string JobName(const std::string& run, const std::string& session, int numb
 std::string WhyRefusedByCluster(const SlurmSettings& settings,
                                 const std::function<void(const std::string& line)>& say) {
   for (const std::string& word : settings.sbatch_arguments)
-    for (const char* const refused : {"-a", "--array", "--wrap", "-W", "--wait"})
-      if (word.substr(0, word.find('=')) == refused) return word + " cannot be among the options for sbatch";
+    if (IsRefused(word)) return word + " cannot be among the options for sbatch";
   const auto give_up =
       std::chrono::steady_clock::now() + std::chrono::duration<double>(settings.patience_seconds);
   for (bool said = false;;) {

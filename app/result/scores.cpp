@@ -112,7 +112,8 @@ std::vector<Scores::Named> Scores::ScoreRun(std::size_t run, PSScoreInfo& score)
     part.name = name.getstring();
     part.score = Contribution(listed, GetWPByPrfName(name, listed.type, weights_));
     part.score.carried_over = listed.prefText.empty();
-    if (!listed.prefText.empty()) texts_[part.name] = GetRegularItemName(listed.prefText).trimmed().getstring();
+    if (!listed.prefText.empty())
+      texts_[part.name] = GetRegularItemName(listed.prefText).trimmed().getstring();
     parts.push_back(std::move(part));
   }
   return parts;

@@ -1,6 +1,8 @@
 #include "resume/left_files.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -9,9 +11,22 @@ namespace vostrand {
 
 namespace fs = std::filesystem;
 
+void AskAgain(const std::string& folder) {
+  std::error_code error;
+  fs::directory_iterator(folder, error);
+}
+
 std::optional<KeptFile> LookAt(const std::string& path, const std::string& name) {
   struct stat status;
   if (lstat(path.c_str(), &status) != 0) return {};
+  if (S_ISREG(status.st_mode)) {
+    // Only a file that is opened is sure to be shown as it is on the server.
+    const int file = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (file >= 0) {
+      fstat(file, &status);
+      close(file);
+    }
+  }
   KeptFile file;
   file.name = name;
   file.size = status.st_size;
@@ -52,6 +67,7 @@ std::vector<std::size_t> LeftFiles::Changed() const {
 std::vector<KeptFile> LeftFiles::Look(std::size_t run) const {
   std::vector<KeptFile> files;
   const std::string& folder = plan_[run].results_folder;
+  AskAgain(folder);
   for (const std::string& result : plan_[run].results)
     for (const std::string& name : FilesAt(folder, result))
       if (const std::optional<KeptFile> file = LookAt(folder + "/" + name, name)) files.push_back(*file);

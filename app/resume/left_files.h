@@ -10,6 +10,10 @@
 
 namespace vostrand {
 
+/// A shared file system may go on saying for a minute that a file is not there, or as it was; opening its
+/// folder makes it ask again. What is no folder is left alone.
+void AskAgain(const std::string& folder);
+
 /// A file as it lies there, a link as a link; nothing when there is none.
 std::optional<KeptFile> LookAt(const std::string& path, const std::string& name);
 

@@ -132,6 +132,8 @@ TEST_F(ClusterTest, RefusesWhatCanNeverRun) {
 
 TEST_F(ClusterTest, SubmitsAgainWhenANodeIsTakenDown) {
   Write("w/behave/5_2", sleeps_once);
+  // What a node does that makes room for another job, or is shut down in good order.
+  Write("w/behave/5_3", "[ -f told ] || { touch told; kill -TERM $PPID; sleep 60; }\n");
   StartSweep({"--retries", "0"});
   ASSERT_TRUE(WaitFor("w/tried_5_2"));
   const std::string node = NodeOf("5_2");
@@ -140,6 +142,8 @@ TEST_F(ClusterTest, SubmitsAgainWhenANodeIsTakenDown) {
   EXPECT_EQ(Statuses(), "0 0 0 0 ");
   EXPECT_NE(Message(1).find("NODE_FAIL on " + node), std::string::npos) << Message(1);
   EXPECT_EQ(Tries(1).size(), 3) << "par twice, sorv";
+  EXPECT_EQ(Tries(2).size(), 3);
+  EXPECT_NE(Message(2).find("told to end by the cluster"), std::string::npos) << Message(2);
   Write("w/behave/5_2", "touch again_$R; sleep 60\n");
   StartSweep({"--requeues", "0"});
   ASSERT_TRUE(WaitFor("w/again_5_2"));
@@ -190,6 +194,29 @@ TEST_F(ClusterTest, SubmitsOnceAcrossAControllersAbsence) {
   Shell("sleep 3");
   Cluster({"controller", Path("cluster"), "start"});
   EXPECT_EQ(Wait(), 0) << err;
+  EXPECT_EQ(Read("w/starts"), "\n\n\n\n");
+}
+
+// One submission is heard late, one is answered by no number.
+TEST_F(ClusterTest, SubmitsOnceWhatNobodyConfirmed) {
+  for (const char* run : {"5_1", "5_2", "5_3", "5_4"})
+    Write("w/behave/" + std::string(run), "echo >>starts\n");
+  Script("bin/sbatch",
+         "case $* in *--test-only*) exec /usr/bin/sbatch \"$@\" ;; esac\n"
+         "cat >script.$$\n"
+         "if mkdir " + Path("first") + " 2>/dev/null; then\n"
+         "  { sleep 2; /usr/bin/sbatch \"$@\" <script.$$; } >/dev/null 2>&1 &\n"
+         "  echo Unable to contact >&2\n"
+         "  exit 1\n"
+         "fi\n"
+         "id=$(/usr/bin/sbatch \"$@\" <script.$$) || exit\n"
+         "mkdir " + Path("second") + " 2>/dev/null && echo accepted && exit\n"
+         "echo $id\n");
+  const QByteArray path = qgetenv("PATH");
+  qputenv("PATH", QByteArray::fromStdString(Path("bin:")) + path);
+  EXPECT_EQ(SlurmSweep(), 0) << err;
+  qputenv("PATH", path);
+  EXPECT_TRUE(Exists("second"));
   EXPECT_EQ(Read("w/starts"), "\n\n\n\n");
 }
 

@@ -16,13 +16,15 @@ using namespace vostrand;
 namespace {
 
 // "lost", "cancelled" or the exit code.
-std::string Decided(const std::string& state, std::optional<int> marker, int script_exit = 0) {
+std::string Decided(const std::string& state, std::optional<int> marker, int script_exit = 0,
+                    bool told_to_end = false) {
   JobStatus job;
   job.id = "7";
   job.state = state;
   job.wait_status = W_EXITCODE(script_exit, 0);
   std::optional<step::Outcome> left;
   if (marker) left.emplace().exit_code = *marker;
+  if (left) left->cancelled = told_to_end;
   const step::Outcome outcome = OutcomeOf(job, left);
   if (outcome.lost) return "lost";
   return outcome.cancelled ? "cancelled" : std::to_string(outcome.exit_code);
@@ -39,6 +41,9 @@ TEST(JobState, NeverByAnExitCodeAlone) {
   EXPECT_EQ(Decided("TIMEOUT", {}), "123");
   EXPECT_EQ(Decided("OUT_OF_MEMORY", 137), "123");
   for (const char* state : {"NODE_FAIL", "BOOT_FAIL", "PREEMPTED"}) EXPECT_EQ(Decided(state, 0), "lost");
+  EXPECT_EQ(Decided("FAILED", 143, 143, true), "lost") << "pre-empted, and it ended in the time it was given";
+  EXPECT_EQ(Decided("COMPLETED", 0, 0, true), "lost") << "it ended well, but not by itself";
+  EXPECT_EQ(Decided("TIMEOUT", 143, 143, true), "123");
   EXPECT_EQ(Decided("", 0), "0") << "the queue has forgotten it";
   EXPECT_EQ(Decided("", {}), "123");
 }
@@ -62,12 +67,14 @@ TEST_F(JobFiles, NamesInAScriptAreNeverCode) {
     return WEXITSTATUS(std::system(("sh '" + Write("s", JobScript(plan)) + "'").c_str()));
   };
   EXPECT_EQ(run(), 1);
+  EXPECT_EQ(run(), job_given_up) << "submitted twice";
   const std::string expected = "--outcome|" + plan.folder + "/0|--lease|" + folder.Lease() + "|--output|" +
                                hostile + "|--|" + hostile + "|$1|--outcome|" + plan.folder + "/2|";
   EXPECT_EQ(Read("out").substr(0, expected.size()), expected);
   EXPECT_EQ(Read("out").find("never"), std::string::npos);
   EXPECT_FALSE(Exists("work/hit") || Exists("hit"));
   EXPECT_NE(folder.Node(), "");
+  std::filesystem::remove(plan.folder + "/taken");
   folder.GiveUp();
   EXPECT_EQ(run(), job_given_up);
   folder.Remove();

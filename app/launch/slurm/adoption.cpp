@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <thread>
 #include <utility>
 
 #include "launch/slurm/job_script.h"
@@ -21,6 +22,7 @@ namespace vostrand {
 namespace {
 
 constexpr auto poll_interval = std::chrono::seconds(1);
+constexpr auto orphan_patience = std::chrono::seconds(5);
 constexpr int most_silent_polls = 300;  // Each takes a second or two then.
 
 std::string Ids(const std::vector<JobStatus>& jobs) {
@@ -101,7 +103,10 @@ std::string Adoption::WhyRefused() {
   if (!live)
     return "jobs of an earlier sweep may still run, and the cluster does not answer (" + unanswered_ +
            "); try again later, or remove " + folder_ + "/jobs.jsonl once none does";
-  if (live->empty()) return {};
+  if (live->empty()) {
+    EndOrphans();
+    return {};
+  }
   return "jobs of an earlier sweep are still on the cluster; take them up with --resume, or end them with: "
          "scancel " +
          Ids(*live);
@@ -117,7 +122,10 @@ std::string Adoption::Wait() {
   std::string said;
   for (int silent = 0; !notes_.empty() && silent < most_silent_polls;) {
     const auto live = Live();
-    if (live && live->empty()) return {};
+    if (live && live->empty()) {
+      EndOrphans();
+      return {};
+    }
     silent = live ? 0 : silent + 1;
     const std::string text = live ? WaitingText(*live) : silent_controller + std::string("; waiting for it");
     if (text != said) say_(said = text);
@@ -130,6 +138,13 @@ std::string Adoption::Wait() {
   std::string left;
   for (const JobNote& note : notes_) left += " " + (note.id.empty() ? "--name=" + note.job : note.id);
   return silent_controller + std::string("; these jobs may still be there: scancel") + left;
+}
+
+// What a lost node's daemon left running ends itself soon after its lease is gone; planning empties the folder
+// that it writes to.
+void Adoption::EndOrphans() const {
+  for (const std::string& job : lost_) JobFolder(folder_ + "/jobs/" + job).GiveUp();
+  if (!lost_.empty()) std::this_thread::sleep_for(orphan_patience);
 }
 
 void Adoption::Cancel(const std::vector<JobStatus>& live) const {

@@ -38,6 +38,7 @@ class Adoption {
  private:
   std::optional<std::vector<JobStatus>> Live();
   void Cancel(const std::vector<JobStatus>& live) const;
+  void EndOrphans() const;
 
   std::string folder_;
   std::function<void(const std::string& line)> say_;

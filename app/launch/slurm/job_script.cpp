@@ -44,6 +44,10 @@ std::string JobScript(const JobPlan& plan) {
       "[ -e \"$folder/lease\" ] || " +
       Exit(job_given_up) +
       "\n"
+      // Should it have been submitted twice, one of the two does nothing.
+      "mkdir \"$folder/taken\" 2>/dev/null || " +
+      Exit(job_given_up) +
+      "\n"
       "exec >>\"$folder/log\" 2>&1 || " +
       Exit(job_without_folder) +
       "\n"

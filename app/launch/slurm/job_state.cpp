@@ -102,6 +102,12 @@ step::Outcome OutcomeOf(const JobStatus& job, const std::optional<step::Outcome>
     return outcome;
   }
   if (job.state == "CANCELLED") return JobCancelled(marker);
+  if (marker && marker->cancelled && !job.state.empty()) {
+    // Told to end by the node: it makes room for another job, or is shut down in good order.
+    step::Outcome outcome = JobError(what + ", told to end by the cluster");
+    outcome.lost = job.state == "COMPLETED" || job.state == "FAILED";
+    return outcome;
+  }
   if (job.state.empty() || job.state == "COMPLETED" || job.state == "FAILED")
     return marker ? *marker : JobError(what + Hint(job));
   return JobError(what);

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "execute/events.h"
+#include "resume/left_files.h"
 
 namespace vostrand {
 namespace {
@@ -14,6 +15,7 @@ namespace {
 constexpr double marker_patience = 5;
 constexpr double cancel_patience = 20;  // For a controller that does not answer.
 constexpr double cancel_again = 5;
+constexpr int never_arrived = 5;  // Answers without a submission that nobody confirmed.
 constexpr std::size_t ids_per_command = 500;
 constexpr int cannot_start = 127;
 
@@ -129,13 +131,14 @@ void SlurmLauncher::Submit(std::size_t run) {
 
 void SlurmLauncher::Submitted(std::size_t run, const CommandResult& result) {
   submitting_ = false;
-  if (result.Succeeded()) {
-    HasId(run, result.out.substr(0, result.out.find_first_not_of("0123456789")));
-  } else if (result.IsUnanswered()) {
-    // The cluster may have it all the same: the next answer shows whether it knows the name.
+  const std::string id = result.out.substr(0, result.out.find_first_not_of("0123456789"));
+  if (result.Succeeded() && !id.empty()) {
+    HasId(run, id);
+  } else if (result.Succeeded() || result.IsUnanswered()) {
+    // The cluster may have it all the same: later answers show whether it knows the name.
     jobs_.at(run).stage = Job::Stage::unsure;
     jobs_.at(run).known_since = polls_ + 1;
-    IsSilent(result);
+    if (!result.Succeeded()) IsSilent(result);
   } else {
     JobEnded(run, JobError("cannot be submitted: " + result.Why()));
   }
@@ -177,7 +180,11 @@ void SlurmLauncher::Polled(const CommandResult& result) {
   silent_since_.reset();
   std::map<std::string, const JobStatus*> by_name;
   const std::vector<JobStatus> queue = ReadQueue(result.out);
-  for (const JobStatus& status : queue) by_name[status.name] = &status;
+  for (const JobStatus& status : queue) {
+    // Two jobs have one name when a submission arrived that was thought lost: one of them ends at once.
+    const JobStatus*& known = by_name[status.name];
+    if (!known || known->HasEnded()) known = &status;
+  }
   // What is told here may end jobs and begin others.
   std::vector<std::pair<std::size_t, std::string>> known;
   for (const auto& [run, job] : jobs_)
@@ -195,13 +202,17 @@ void SlurmLauncher::Update(std::size_t run, const JobStatus* status) {
   Job& job = jobs_.at(run);
   if (job.stage == Job::Stage::unsure) {
     if (status) return HasId(run, status->id);
-    job.stage = Job::Stage::to_submit;  // The cluster does not know its name: it never arrived.
+    if (++job.missed < never_arrived) return;
+    job.missed = 0;
+    job.stage = Job::Stage::to_submit;
     to_submit_.push_front(run);
     return;
   }
   job.missed = status ? 0 : job.missed + 1;
   if (status) {
     job.status = *status;
+    job.note.id = status->id;
+    if (!status->HasEnded()) job.ended_at.reset();
     TellPlace(job);
   } else if (job.missed > 1) {
     job.status.state.clear();  // The queue forgets a job some minutes after its end.
@@ -226,11 +237,13 @@ void SlurmLauncher::TellPlace(Job& job) const {
 
 // A command that ended well while its job goes on with the next.
 void SlurmLauncher::LookForStep(std::size_t run) {
+  if (const Job* const job = Find(run)) AskAgain(job->folder->Path());
   for (;;) {
     const Job* const job = Find(run);
     step::Outcome outcome;
     if (!job || !job->waited_for || job->cancels > 0 || job->step == job->note.steps.back() ||
-        !step::ReadOutcome(job->folder->Outcome(job->step), outcome) || outcome.exit_code != 0)
+        !step::ReadOutcome(job->folder->Outcome(job->step), outcome) || outcome.exit_code != 0 ||
+        outcome.cancelled)
       return;
     StepEnded(run, WithPlace(*job, outcome));
   }
@@ -241,6 +254,7 @@ void SlurmLauncher::Conclude(std::size_t run) {
   Job* const job = Find(run);
   if (!job || !job->waited_for) return;
   if (!job->ended_at) job->ended_at = clock_.Now();
+  AskAgain(job->folder->Path());
   std::optional<step::Outcome> marker(std::in_place);
   if (!step::ReadOutcome(job->folder->Outcome(job->step), *marker)) marker.reset();
   step::Outcome outcome = OutcomeOf(job->status, marker);
@@ -266,6 +280,7 @@ void SlurmLauncher::StepEnded(std::size_t run, step::Outcome outcome) {
   Job& job = jobs_.at(run);
   job.waited_for = false;
   const Done done = std::move(job.done);
+  AskAgain(job.note.run.results_folder);
   done(outcome);
 }
 
@@ -273,6 +288,7 @@ void SlurmLauncher::JobEnded(std::size_t run, step::Outcome outcome) {
   const Job job = std::move(jobs_.extract(run).mapped());
   const bool was_noted = job.stage != Job::Stage::to_submit;
   if (outcome.exit_code != 0) job.folder->GiveUp();
+  AskAgain(job.note.run.results_folder);
   job.done(outcome);
   // Behind what is done with the outcome: until then the job's folder is the only one that knows.
   if (was_noted) journal_.Ended(job.note.job);
@@ -321,8 +337,10 @@ void SlurmLauncher::CancelAgain(std::size_t run) {
 void SlurmLauncher::EndWithoutController(double silent_seconds) {
   std::vector<std::size_t> given_up;
   for (const auto& [run, job] : jobs_) {
-    const double patience = job.cancels > 0 ? cancel_patience : settings_.patience_seconds;
-    if (job.stage != Job::Stage::submitting && silent_seconds > patience) given_up.push_back(run);
+    const bool in_vain = job.cancels > 0
+                             ? std::min(silent_seconds, clock_.Now() - job.cancelled_at) > cancel_patience
+                             : silent_seconds > settings_.patience_seconds;
+    if (job.stage != Job::Stage::submitting && in_vain) given_up.push_back(run);
   }
   for (const std::size_t run : given_up) {
     const Job* const job = Find(run);

@@ -256,7 +256,7 @@ TEST_F(ClusterTest, SoakNamesWhatItCannotCancel) {
   EXPECT_EQ(process.waitForFinished(40000), true);
   EXPECT_EQ(process.exitCode(), 143);
   Cluster({"controller", Path("cluster"), "start"});
-  Shell("for i in 1 2 3 4 5 6 7 8 9; do squeue -h >queue && ! [ -s queue ] && break; sleep 1; done");
+  Shell("for i in $(seq 25); do squeue -h >queue && ! [ -s queue ] && break; sleep 1; done");
   EXPECT_NE(process.readAllStandardError().toStdString().find("end what is left with: scancel "),
             std::string::npos);
 }

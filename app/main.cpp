@@ -7,6 +7,7 @@
 #include <csignal>
 #include <iostream>
 
+#include "observe/harmless.h"
 #include "options/host_options.h"
 #include "plan/command_words.h"
 #include "plan/dry_run.h"
@@ -20,7 +21,7 @@ constexpr int cannot_begin = 2;
 constexpr int result_not_written = 6;
 
 int Refuse(const std::string& why) {
-  std::cerr << "vostrand: " << why << "\n";
+  std::cerr << "vostrand: " << vostrand::Harmless(why) << "\n";
   return wrong_options;
 }
 
@@ -36,7 +37,7 @@ int ShowHelp() {
 std::string WhyRefused(const std::vector<std::string>& tool_arguments) {
   for (const std::string& argument : tool_arguments)
     if (!vostrand::FitsCommandLine(argument))
-      return "the tool argument <" + argument +
+      return "the tool argument <" + vostrand::HarmlessLine(argument) +
              "> holds white space, quotes or control characters, which planned commands cannot carry";
   return {};
 }
@@ -72,6 +73,7 @@ int Perform(const vostrand::CommandLine& line) {
 int main(int argc, char** argv) {
   FillStandardDescriptors();
   std::signal(SIGPIPE, SIG_IGN);  // Whoever reads the progress may leave; the sweep goes on.
+  std::signal(SIGXFSZ, SIG_IGN);  // A file that may not grow further is written in vain, as on a full disk.
   const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
   const QCoreApplication app(argc, argv);
   std::setlocale(LC_NUMERIC, "C");  // Qt has set the user's; numbers are the same everywhere.
@@ -79,7 +81,7 @@ int main(int argc, char** argv) {
   try {
     code = Perform(vostrand::ReadCommandLine(arguments));
   } catch (const std::exception& error) {  // Such as a working directory that was removed.
-    std::cerr << "vostrand: " << error.what() << "\n";
+    std::cerr << "vostrand: " << vostrand::Harmless(error.what()) << "\n";
   }
   if (std::cout.flush()) return code;
   std::cerr << "vostrand: cannot write to standard output\n";

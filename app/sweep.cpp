@@ -1,9 +1,13 @@
 #include "sweep.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QSysInfo>
 #include <QThread>
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -16,9 +20,11 @@
 #include "launch/slurm/slurm_launcher.h"
 #include "launch/system_clock.h"
 #include "observe/fan_out.h"
+#include "observe/harmless.h"
 #include "observe/progress.h"
 #include "observe/run_records.h"
 #include "plan/command_words.h"
+#include "plan/file_guard.h"
 #include "plan/library_run.h"
 #include "plan/planned_runs.h"
 #include "plan/record_names.h"
@@ -56,6 +62,7 @@ class Sweep {
   std::string WhyRefused();
   std::string TakeUpJobs();
   void LookAtInputs();
+  void WarnOfUnread() const;
   void Execute();
   void CheckPromotion();
   void Finish();
@@ -80,7 +87,7 @@ class Sweep {
   std::vector<PlannedRun> plan_;
   SweepResult result_;
   std::string changed_input_;
-  std::int64_t began_ns_ = 0;
+  std::int64_t old_ns_ = 0;  // See Promotion.
   double began_ = 0;
   std::function<void()> end_what_goes_on_;  // Called at an interrupt.
 };
@@ -118,7 +125,7 @@ Sweep::Sweep(const HostOptions& options, const std::vector<std::string>& tool_ar
 }
 
 void Sweep::Warn(const std::string& text) const {
-  const std::string line = "vostrand: " + text + "\n";
+  const std::string line = "vostrand: " + Harmless(text) + "\n";
   if (progress_)
     progress_->Print(line);
   else
@@ -127,6 +134,7 @@ void Sweep::Warn(const std::string& text) const {
 
 std::string Sweep::WhyRefused() {
   std::string why = WhyRunNamesAreRefused(FilesOf(tool_arguments_), work_dir_);
+  if (why.empty()) why = WhyFilesAreRefused(FilesOf(tool_arguments_), tool_arguments_, work_dir_);
   if (why.empty()) why = WhyRecordsAreRefused(result_.options, FilesOf(tool_arguments_));
   if (why.empty()) why = launcher_.Unusable();
   if (why.empty() && slurm_) why = slurm_->Unusable();
@@ -189,10 +197,23 @@ void Sweep::LookAtInputs() {
     identities.push_back(RunIdentity(run, work_dir_, result_.inputs, result_.tools));
   if (slurm_) slurm_->Prepare(plan_, identities);
   if (result_.interrupted_by != 0) return;
+  WarnOfUnread();
   const std::size_t changed = resumption_.Restore(plan_, std::move(identities));
   if (changed > 0)
     Warn(std::to_string(changed) +
          " finished runs are run again: what they are made from has changed, or what was kept of them");
+}
+
+// Their records lack something then.
+void Sweep::WarnOfUnread() const {
+  for (const std::vector<FileRecord>* const files : {&result_.inputs, &result_.tools})
+    for (const FileRecord& file : *files)
+      if (file.size < 0 && access(file.path.c_str(), F_OK) == 0)
+        Warn("cannot read " + file.path + ": the records are without its size and hash");
+  for (const PlannedStep& step : plan_.front().steps)
+    if (!step.IsCallback() && std::none_of(result_.tools.begin(), result_.tools.end(),
+                                           [&](const auto& tool) { return tool.role == step.words.front(); }))
+      Warn("cannot find " + step.words.front() + ": the records are without it");
 }
 
 EventHeader Sweep::Header() const {
@@ -299,7 +320,7 @@ void Sweep::FailChanged(const LeftFiles& left) {
 // The library does not say whether its copies succeeded.
 void Sweep::CheckPromotion() {
   if (result_.order.empty()) return;
-  const Promotion promotion = PromotionOf(library_, result_, began_ns_);
+  const Promotion promotion = PromotionOf(library_, result_, old_ns_);
   PromotionReport report;
   FileHasher hasher;
   end_what_goes_on_ = [&] { hasher.Cancel(); };
@@ -323,7 +344,7 @@ void Sweep::CheckPromotion() {
 void Sweep::Finish() {
   result_.elapsed_seconds = clock_.Now() - began_;
   WriteRecords(result_);
-  std::cout << SummaryText(result_);
+  std::cout << Harmless(SummaryText(result_));
 }
 
 int Sweep::Run() {
@@ -334,8 +355,6 @@ int Sweep::Run() {
   }
   const QDateTime now = QDateTime::currentDateTimeUtc();
   result_.started = now.toString(Qt::ISODate).toStdString();
-  // The file system's clock is coarser than the system's.
-  began_ns_ = (now.toMSecsSinceEpoch() - 10) * 1'000'000;
   began_ = clock_.Now();
   const int planned = library_.Plan(tool_arguments_);
   if (planned != 0 || library_.Seeds().empty()) {
@@ -343,8 +362,16 @@ int Sweep::Run() {
                                                 : std::cerr);  // Help that was asked for, or why not.
     return library_.Exit(planned);
   }
+  const std::string another = WhyPlanIsRefused(FilesOf(tool_arguments_), work_dir_, library_.Info().multiRun,
+                                               library_.Seeds()[0].name);
+  if (!another.empty()) {
+    Warn(another);
+    return library_.Exit(cannot_be_run);
+  }
   plan_ = PlannedRuns(library_);
   result_.runs.resize(plan_.size());
+  if (struct stat old; stat(library_.OutputPath().c_str(), &old) == 0)
+    old_ns_ = old.st_mtim.tv_sec * 1'000'000'000LL + old.st_mtim.tv_nsec;
   if (result_.options.jobs == 0) result_.options.jobs = std::max(1, static_cast<int>(plan_.size()));
   {
     // An interrupt ends the runs, never the report.
@@ -352,6 +379,8 @@ int Sweep::Run() {
     const Signals interrupts([this](int signal) { Interrupted(signal); });
     LookAtInputs();
     Execute();
+    for (std::size_t i = 0; i < plan_.size(); ++i)
+      TakeInLinkedFolder(plan_[i].leftover_folder, library_.Seeds()[i].status == 0);
     ReportRuns(library_, plan_, result_);
     CheckPromotion();
   }

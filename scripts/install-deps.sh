@@ -17,6 +17,7 @@ packages=(
   libgtest-dev                         # tests
   locales                              # tests in other locales
   procps                               # tests that end processes
+  strace                               # tests on machines that fail
   abigail-tools dpkg-dev file lintian pkg-config  # tests of what is installed, and of the package
   slurmctld slurmd slurm-client        # tests on a cluster of their own
   python3-jsonschema                   # tests of the schemas in docs/schemas

@@ -9,6 +9,8 @@
 #include <chrono>
 #include <filesystem>
 
+#include "observe/harmless.h"
+
 namespace vostrand {
 namespace {
 
@@ -115,9 +117,9 @@ void Progress::Tell(const Event& event, double since) {
   const bool ended = event.kind == Event::Kind::run_finished;
   const std::string said = ended ? event.message : event.outcome.message;
   if ((ended || event.kind == Event::Kind::step_finished) && !said.empty())
-    Print("vostrand: run " + plan_[event.run].name + ": " + said + "\n");
+    Print("vostrand: run " + Shown(plan_[event.run].name) + ": " + HarmlessLine(said) + "\n");
   if (event.kind == Event::Kind::stopping && !options_.quiet)
-    Print("vostrand: no further run is started: " + event.message + "\n");
+    Print("vostrand: no further run is started: " + HarmlessLine(event.message) + "\n");
   if (!ended && event.kind != Event::Kind::run_restored) return;
   if (options_.quiet && !failed) return;
 
@@ -126,7 +128,7 @@ void Progress::Tell(const Event& event, double since) {
   const std::string& file = plan_[event.run].output_file;
   const std::vector<std::string> last = failed ? LastLines(file) : std::vector<std::string>();
   for (const std::string& line : last) text += "    " + line + "\n";
-  if (!last.empty()) text += "    (" + file + ")\n";
+  if (!last.empty()) text += "    (" + HarmlessLine(file) + ")\n";
   Print(text);
 }
 

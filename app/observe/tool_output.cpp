@@ -9,6 +9,7 @@
 #include <fstream>
 #include <set>
 
+#include "observe/harmless.h"
 #include "observe/progress_text.h"
 
 namespace vostrand {
@@ -45,8 +46,8 @@ void ToolOutput::On(const Event& event) {
   } else if (event.kind == Event::Kind::sweep_finished) {
     for (int round = 0; round < last_rounds && !followed_.empty(); ++round) ReadAll();
     for (const Followed& followed : followed_)
-      show_(Shown(plan_[followed.run].name) + " | ... the rest is in " + plan_[followed.run].output_file +
-            "\n");
+      show_(Shown(plan_[followed.run].name) + " | ... the rest is in " +
+            HarmlessLine(plan_[followed.run].output_file) + "\n");
     followed_.clear();
     timer_.stop();
   }

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <iostream>
 
+#include "observe/harmless.h"
 #include "plan/library_run.h"
 #include "plan/tool_files.h"
 
@@ -46,9 +47,10 @@ void PrepareScratch(const ToolFiles& files, const fs::path& work_dir, const fs::
 
 void ShowPlan(LibraryRun& library) {
   for (const auto& seed : library.Seeds()) {
-    std::cout << seed.name << "\n";
+    std::cout << Harmless(seed.name) << "\n";
     for (const auto& step : seed.steps)
-      std::cout << "  " << (step.callback ? "(stop here once a run meets timing)" : step.command) << "\n";
+      std::cout << "  " << (step.callback ? "(stop here once a run meets timing)" : Harmless(step.command))
+                << "\n";
   }
 }
 
@@ -67,7 +69,7 @@ int DryRun(const std::vector<std::string>& tool_arguments, const std::string& wo
   const QTemporaryDir scratch;
   if (!refusal.empty() || !scratch.isValid()) {
     const std::string no_scratch = "cannot make a scratch folder: " + scratch.errorString().toStdString();
-    std::cerr << "vostrand: " << (refusal.empty() ? no_scratch : refusal) << "\n";
+    std::cerr << "vostrand: " << Harmless(refusal.empty() ? no_scratch : refusal) << "\n";
     return 2;
   }
   names.push_back(files.design);

@@ -2,13 +2,16 @@
 
 #include <iostream>
 
+#include "observe/harmless.h"
+
 namespace vostrand {
 
 void HostLogger::Show(const char* text) {
+  const std::string shown = Harmless(text);
   if (print_)
-    print_(text);
+    print_(shown);
   else
-    std::cerr << text;
+    std::cerr << shown;
 }
 
 void HostLogger::onStdout(const char* text) {
@@ -23,7 +26,7 @@ void HostLogger::onStderr(const char* text) {
 
 void HostLogger::ShowHeldBack(std::ostream& stream) const {
   if (show_status_) return;
-  stream << status_;
+  stream << Harmless(status_);
   if (!status_.empty() && status_.back() != '\n') stream << '\n';
 }
 

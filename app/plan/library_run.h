@@ -31,7 +31,6 @@ class LibraryRun {
   std::vector<orlo::kelpn::mparrunner::MPAR_SEED>& Seeds() { return record_.seeds; }
   /// What the library decided; until Exit.
   const orlo::vostrand_lib::MParRunInfo& Info() const;
-  const std::string& WorkDir() const { return work_dir_; }
   /// `name` inside the working directory.
   std::string PathOf(const std::string& name) const;
   /// The full path of the folder that holds the runs' results; for a single run that of its design file.

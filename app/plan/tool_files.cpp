@@ -1,6 +1,10 @@
 #include "plan/tool_files.h"
 
+#include <climits>
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "context/globals.h"
 #include "plan/command_words.h"
@@ -10,6 +14,8 @@
 
 namespace vostrand {
 namespace {
+
+constexpr std::size_t longest_level = 235;  // Of the 255 bytes of a name, beside cost table and extension.
 
 void NoHelp() {}
 
@@ -25,6 +31,7 @@ bool IsSwitch(const std::string& argument) {
 
 ToolFiles FilesOf(const std::vector<std::string>& tool_arguments) {
   if (tool_arguments.size() == 1) return OfBaseName(tool_arguments[0]);
+  if (tool_arguments.size() == 2 && !IsSwitch(tool_arguments[0]) && !IsSwitch(tool_arguments[1])) return {};
   if (tool_arguments.size() == 2) return OfBaseName(tool_arguments[IsSwitch(tool_arguments[0]) ? 1 : 0]);
 
   std::vector<std::string> copy = tool_arguments;
@@ -53,9 +60,36 @@ std::string WhyRunNamesAreRefused(const ToolFiles& files, const std::string& wor
     if (line.find("-l ") != std::string::npos)
       level = orlo::vostrand_lib::GetOptionValue(line.c_str(), "-l ").trimmed();
   const std::string name = level.getstring();
+  if (name.size() > longest_level)
+    return "the level in " + std::string(path.getstring()) + " is too long for file names";
   if (FitsCommandLine(name) && name.find('/') == std::string::npos) return {};
   return "the level \"" + name + "\" in " + path.getstring() +
          " makes run names with blanks, quotes or \"/\", which cannot be run";
+}
+
+std::string WhyPlanIsRefused(const ToolFiles& files, const std::string& work_dir, bool multi_run,
+                             const std::string& first_run) {
+  const UT_STROBJ path = orlo::vostrand_lib::GenerateFilePath(work_dir.c_str(), files.par_commands.c_str());
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path.getstring(), error)) return {};
+  std::ifstream lines(path.getstring());
+  bool several = false;
+  UT_STROBJ level = "5";  // What the library takes where the file says nothing.
+  UT_STROBJ table = "1";
+  for (std::string line; std::getline(lines, line);) {
+    several = several || line.find("-n ") != std::string::npos;
+    for (const auto& [option, value] : {std::pair("-l ", &level), {"-t ", &table}})
+      if (line.find(option) != std::string::npos)
+        *value = orlo::vostrand_lib::GetOptionValue(line.c_str(), option).trimmed();
+  }
+  const std::size_t underscore = first_run.rfind('_');
+  const long long wanted = std::atoll(table.getstring());
+  const bool same_table =
+      std::abs(wanted) > INT_MAX || std::atoll(first_run.c_str() + underscore + 1) == wanted;
+  if (lines.eof() && several == multi_run && first_run.substr(0, underscore) == level.getstring() &&
+      same_table)
+    return {};
+  return "the plan is not what " + std::string(path.getstring()) + " asks for, or that cannot be read";
 }
 
 }  // namespace vostrand

@@ -13,16 +13,20 @@
 namespace vostrand {
 namespace {
 
+constexpr std::size_t longest_name_beside = 240;
+
 std::string Problem(const std::string& path, const std::string& why) {
   return "cannot write " + path + ": " + why;
 }
 
-// Something there that is to be written to, not replaced. A name that is not UTF-8 is not for QSaveFile.
+// Something there that is to be written to, not replaced. A name that is not UTF-8 is not for QSaveFile, nor
+// one so long that a file beside it could not have a longer one.
 bool IsDirect(const std::string& path) {
   struct stat status = {};
   for (const char* own : {"/dev/std", "/dev/fd/", "/proc/"})
     if (path.starts_with(own)) return true;
   if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) return true;
+  if (path.size() - (path.rfind('/') + 1) > longest_name_beside) return true;
   return QString::fromStdString(path).toStdString() != path;
 }
 
@@ -56,7 +60,9 @@ std::string WriteDirectly(const std::string& path, const QByteArray& data) {
 std::string WriteFile(const std::string& path, const QByteArray& data) {
   if (IsDirect(path)) return WriteDirectly(path, data);
   QSaveFile file(QString::fromStdString(path));
-  if (file.open(QIODevice::WriteOnly) && file.write(data) == data.size() && file.commit()) return {};
+  // Flushed first: commit does not tell whether its own flushing succeeded.
+  if (file.open(QIODevice::WriteOnly) && file.write(data) == data.size() && file.flush() && file.commit())
+    return {};
   return Problem(path, file.errorString().toStdString());
 }
 

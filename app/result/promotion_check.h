@@ -10,11 +10,17 @@ struct Promotion {
   std::string stem;        ///< Path of the result without extension.
   std::string best;        ///< Name of the best run; empty when none finished.
   bool timing = true;
-  bool multi_run = true;      ///< False: the tools wrote the result where it is.
-  std::int64_t began_ns = 0;  ///< Since the epoch: a single run's file that is older counts as missing.
+  bool multi_run = true;  ///< False: the tools wrote the result where it is.
+  /// When a single run's design file was modified that lay there before the sweep, since the epoch; 0 when
+  /// there was none. One of this very time counts as missing. No clock is asked: clocks are set.
+  std::int64_t old_ns = 0;
 
   std::string Summary() const;  ///< The summary without the best run's report behind it.
 };
+
+/// Path of a run's file, whole: in the output directory or, when it could not be moved there, or only in
+/// part, still in the run's own folder.
+std::string WholeFile(const std::string& output_dir, const std::string& run, const char* extension);
 
 /// What one file of the result must hold.
 struct ExpectedFile {

@@ -24,6 +24,18 @@ OddsReport FinalOdds(SweepResult& result) {
   return odds;
 }
 
+// The library does not say when it cannot move a run's files up, or only in part.
+std::vector<std::string> NotGathered(const LibraryRun& library, const std::string& run) {
+  std::vector<std::string> missing;
+  if (!library.Info().multiRun) return missing;
+  for (const char* const extension : {".ncd", ".par", ".twr", ".pad", ".dly", ".icf"}) {
+    const std::string gathered = library.OutputPath() + "/" + run + extension;
+    const std::string whole = WholeFile(library.OutputPath(), run, extension);
+    if (whole != gathered) missing.push_back(gathered + " (whole only as " + whole + ")");
+  }
+  return missing;
+}
+
 }  // namespace
 
 void ReportRuns(LibraryRun& library, const std::vector<PlannedRun>& plan, SweepResult& result) {
@@ -35,11 +47,14 @@ void ReportRuns(LibraryRun& library, const std::vector<PlannedRun>& plan, SweepR
   library.Report();
   scores.Complete(result);
   result.odds = FinalOdds(result);
-  if (result.timing && !HasScoreReport(library, result.order))
-    result.missing.push_back(library.PathOf(library.Info().reportFile.getstring()));
+  const auto miss = [&](const std::vector<std::string>& paths) {
+    result.missing.insert(result.missing.end(), paths.begin(), paths.end());
+  };
+  miss(scores.Unwritten(result));
+  for (const std::size_t run : result.order) miss(NotGathered(library, plan[run].name));
 }
 
-Promotion PromotionOf(const LibraryRun& library, const SweepResult& result, std::int64_t began_ns) {
+Promotion PromotionOf(const LibraryRun& library, const SweepResult& result, std::int64_t old_ns) {
   const RunRecord& best = result.runs[result.order.front()].record;
   Promotion promotion;
   promotion.output_dir = library.OutputPath();
@@ -48,7 +63,7 @@ Promotion PromotionOf(const LibraryRun& library, const SweepResult& result, std:
                                        : promotion.output_dir.substr(0, promotion.output_dir.size() - 4);
   promotion.best = best.name;
   promotion.timing = result.timing;
-  promotion.began_ns = best.restored ? 0 : began_ns;
+  promotion.old_ns = best.restored ? 0 : old_ns;
   return promotion;
 }
 

@@ -14,8 +14,8 @@ namespace vostrand {
 /// odds, and whether the report file is missing. The runs' records and the options are there already.
 void ReportRuns(LibraryRun& library, const std::vector<PlannedRun>& plan, SweepResult& result);
 
-/// What the library has promoted, or the tools of a single run have written since `began_ns`. Some run has
-/// finished.
-Promotion PromotionOf(const LibraryRun& library, const SweepResult& result, std::int64_t began_ns);
+/// What the library has promoted, or the tools of a single run have written; `old_ns` as in Promotion. Some
+/// run has finished.
+Promotion PromotionOf(const LibraryRun& library, const SweepResult& result, std::int64_t old_ns);
 
 }  // namespace vostrand

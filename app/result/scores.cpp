@@ -1,14 +1,20 @@
 #include "result/scores.h"
 
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <sstream>
 
+#include "plan/tool_files.h"
 #include "results/par_ranking.h"
+#include "results/par_summary.h"
 #include "scoring/preference_file.h"
 #include "scoring/preference_name.h"
 #include "scoring/preference_weights.h"
+#include "scoring/score_report.h"
 #include "ut/filemanager.h"
 
 namespace vostrand {
@@ -28,6 +34,37 @@ class Muted {
  private:
   HostLogger& logger_;
 };
+
+bool IsFile(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::is_regular_file(path, error);
+}
+
+std::string ContentOf(const std::string& path) {
+  std::ostringstream text;
+  text << std::ifstream(path, std::ios::binary).rdbuf();
+  return text.str();
+}
+
+// Not more of it than that: a best run's report behind the summary may have gigabytes.
+std::string BeginOf(const std::string& path, std::size_t size) {
+  std::string text(size, '\0');
+  std::ifstream file(path, std::ios::binary);
+  file.read(text.data(), static_cast<std::streamsize>(size));
+  text.resize(static_cast<std::size_t>(file.gcount()));
+  return text;
+}
+
+// What `write` writes into the file that it is given; nothing when there can be none.
+std::string WrittenBy(const std::function<void(UT_STROBJ& path)>& write) {
+  const int file = memfd_create("vostrand", MFD_CLOEXEC);
+  if (file < 0) return {};
+  UT_STROBJ path = ("/proc/self/fd/" + std::to_string(file)).c_str();
+  write(path);
+  const std::string text = ContentOf(path.getstring());
+  close(file);
+  return text;
+}
 
 std::string ReportOf(LibraryRun& library, std::size_t run) {
   return library.PathOf(ut_element(library.Info().twrFiles, run).getstring());
@@ -112,8 +149,7 @@ std::vector<Scores::Named> Scores::ScoreRun(std::size_t run, PSScoreInfo& score)
     part.name = name.getstring();
     part.score = Contribution(listed, GetWPByPrfName(name, listed.type, weights_));
     part.score.carried_over = listed.prefText.empty();
-    if (!listed.prefText.empty())
-      texts_[part.name] = GetRegularItemName(listed.prefText).trimmed().getstring();
+    if (!listed.prefText.empty()) texts_[part.name] = listed.prefText;
     parts.push_back(std::move(part));
   }
   return parts;
@@ -122,7 +158,7 @@ std::vector<Scores::Named> Scores::ScoreRun(std::size_t run, PSScoreInfo& score)
 Preference Scores::About(const std::string& name, const PrfResultVal& listed) {
   Preference preference;
   preference.name = name;
-  preference.text = texts_[name];
+  preference.text = GetRegularItemName(texts_[name]).trimmed().getstring();
   preference.kind = listed.type.getstring();
   preference.constraint = listed.constraintText.getstring();
   const WPValue own = GetWPByPrfName(name.c_str(), listed.type, weights_);
@@ -153,38 +189,54 @@ void Scores::Complete(SweepResult& result) {
   const MParRunInfo& info = library_.Info();
   result.timing = !info.noTiming;
   TakeRows(result);
-  std::vector<PSScoreInfo> scores(rows_.size());
+  scores_.assign(rows_.size(), {});
   std::vector<std::vector<Named>> parts(rows_.size());
   std::vector<int> order;
   for (std::size_t run = 0; run < rows_.size(); ++run) {
     if (result.runs[run].record.status > 0) continue;
     order.push_back(static_cast<int>(run));
     if (info.noTiming) continue;
-    parts[run] = ScoreRun(run, scores[run]);
-    result.runs[run].score = scores[run].score;
+    parts[run] = ScoreRun(run, scores_[run]);
+    result.runs[run].score = scores_[run].score;
   }
   Index(result, parts);
   const int count = static_cast<int>(order.size());
   if (info.noTiming)
     sortscore(rows_.data(), count, order.data());
   else if (library_.HasReportFile())  // Without one the library keeps the plan's order.
-    sortscore(scores.data(), rows_.data(), count, order.data());
+    sortscore(scores_.data(), rows_.data(), count, order.data());
   for (const int run : order) result.order.push_back(static_cast<std::size_t>(run));
 }
 
-bool HasScoreReport(LibraryRun& library, const std::vector<std::size_t>& finished) {
-  if (finished.empty()) return true;
-  const std::string path = library.PathOf(library.Info().reportFile.getstring());
-  std::error_code error;
-  if (!library.HasReportFile() || !std::filesystem::is_regular_file(path, error)) return false;
-  // The last that is written.
-  const std::string end =
-      std::string(ut_element(library.Info().csvLabels, finished.front()).getstring()) + " is the best.";
-  std::ifstream report(path);
-  std::string last;
-  for (std::string line; std::getline(report, line);)
-    if (!line.empty()) last = line;
-  return last == end;
+std::vector<std::string> Scores::Unwritten(const SweepResult& result) {
+  const Muted muted(library_);
+  const MParRunInfo& info = library_.Info();
+  std::vector<std::string> paths;
+  if (result.order.empty()) return paths;
+  std::vector<int> order(result.order.begin(), result.order.end());
+  const int count = static_cast<int>(order.size());
+  const std::string report = library_.PathOf(info.reportFile.getstring());
+  const std::string report_text = WrittenBy([&](UT_STROBJ& path) {
+    if (info.noTiming) return;
+    for (auto& [name, listed] : preferences_) listed.prefText = texts_[name.getstring()];
+    for (const std::size_t run : result.order)
+      scores_[run].csvText = ut_element(info.csvLabels, run) + "," + scores_[run].csvText;
+    OutputReport(scores_.data(), rows_.data(), count, order.data(), path, info.csvLabels, preferences_,
+                 weights_, static_cast<int>(preferences_.size()));
+  });
+  if (result.timing && (!library_.HasReportFile() || !IsFile(report) ||
+                        BeginOf(report, report_text.size() + 1) != report_text))
+    paths.push_back(report);
+  const std::string summary_text =
+      WrittenBy([&](const UT_STROBJ& path) { OutputParRpt(rows_.data(), count, order.data(), path); });
+  // The best run's own report may follow.
+  const std::string output = library_.OutputPath();
+  const std::string summary = output.substr(0, output.size() - 4) + ".par";
+  if (info.multiRun && (summary_text.empty() || BeginOf(summary, summary_text.size()) != summary_text))
+    paths.push_back(summary);
+  if (info.logStream && info.logStream->failed())
+    paths.push_back(library_.PathOf(FilesOf(result.tool_arguments).log));
+  return paths;
 }
 
 }  // namespace vostrand

@@ -38,6 +38,9 @@ class Scores {
   /// Fills in `timing`, `preferences`, `order` and what the runs' rows, scores and preferences say; `runs`
   /// has all runs, with their status. Between the report and the library's exit.
   void Complete(SweepResult& result);
+  /// Between Complete and the library's exit: what the library has written only in part or from other
+  /// readings, which a full or failing disk brings about without a word. `result` is complete.
+  std::vector<std::string> Unwritten(const SweepResult& result);
 
  private:
   // One record of a score while preferences have no index yet.
@@ -55,12 +58,9 @@ class Scores {
   orlo::vostrand_lib::WeightsMap defaults_;  // By kind, before annotations.
   orlo::vostrand_lib::WeightsMap weights_;
   orlo::vostrand_lib::ResultsMap preferences_;
-  std::map<std::string, std::string> texts_;  // By name, as a report last had it.
+  std::map<std::string, UT_STROBJ> texts_;  // By name, as a report last had it.
   std::vector<orlo::vostrand_lib::ParScoreVal> rows_;
+  std::vector<orlo::vostrand_lib::PSScoreInfo> scores_;
 };
-
-/// The library's report file is there and whole, which a full disk prevents without a word. `finished` is the
-/// order of the finished runs; true when there is none.
-bool HasScoreReport(LibraryRun& library, const std::vector<std::size_t>& finished);
 
 }  // namespace vostrand

@@ -102,7 +102,8 @@ bool AppendKeptRun(const std::string& path, const KeptRun& kept) {
   std::getline(lines, text);
   EventHeader header;
   FromJson(QJsonDocument::fromJson(QByteArray::fromStdString(text)).object(), header);
-  const auto name = std::find(header.runs.begin(), header.runs.end(), kept.record.name);
+  const auto name = std::find(header.runs.begin(), header.runs.end(),
+                              QString::fromStdString(kept.record.name).toStdString());
   Event event(Event::Kind::run_finished, static_cast<std::size_t>(name - header.runs.begin()));
   event.at_seconds = kept.record.ended_seconds;
   QJsonObject object = vostrand::ToJson(event, kept.record.name);

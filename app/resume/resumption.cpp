@@ -1,5 +1,6 @@
 #include "resume/resumption.h"
 
+#include <QString>
 #include <algorithm>
 #include <utility>
 
@@ -18,6 +19,11 @@ void MoveBeforeNow(std::map<std::string, KeptRun>& runs) {
       attempt.ended_seconds -= last;
     }
   }
+}
+
+// The journal is text: bytes of a name that are none have been replaced there.
+std::string InJournal(const std::string& name) {
+  return QString::fromStdString(name).toStdString();
 }
 
 }  // namespace
@@ -41,7 +47,7 @@ std::size_t Resumption::Restore(std::vector<PlannedRun>& plan, std::vector<std::
   std::vector<const PlannedRun*> restored;
   for (std::size_t i = 0; i < plan.size(); ++i) {
     PlannedRun& run = plan[i];
-    const auto found = earlier_.find(run.name);
+    const auto found = earlier_.find(InJournal(run.name));
     run.restored = found != earlier_.end() && found->second.identity == identities_[i] &&
                    store_.Restore(run, found->second);
     if (!run.restored && found != earlier_.end()) ++changed;
@@ -58,14 +64,14 @@ std::size_t Resumption::Restore(std::vector<PlannedRun>& plan, std::vector<std::
 std::vector<RunRecord> Resumption::Records(const std::vector<PlannedRun>& plan) const {
   std::vector<RunRecord> records(plan.size());
   for (std::size_t i = 0; i < plan.size(); ++i) {
-    if (plan[i].restored) records[i] = earlier_.at(plan[i].name).record;
+    if (plan[i].restored) records[i] = earlier_.at(InJournal(plan[i].name)).record;
     records[i].name = plan[i].name;
   }
   return records;
 }
 
 KeptRun Resumption::Keep(std::size_t index, const PlannedRun& run, const RunRecord& record) {
-  if (run.restored) return earlier_.at(run.name);
+  if (run.restored) return earlier_.at(InJournal(run.name));
   KeptRun kept;
   kept.identity = identities_[index];
   kept.files = store_.Keep(run);

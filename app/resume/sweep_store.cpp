@@ -47,6 +47,23 @@ bool LinkOrCopy(const fs::path& from, const fs::path& to) {
   return !error;
 }
 
+// The files that are at `name`, a file or a folder; nothing when not all of them can be told.
+std::optional<std::vector<std::string>> AllFilesAt(const fs::path& folder, const std::string& name) {
+  std::error_code error;
+  const fs::file_type type = fs::symlink_status(folder / name, error).type();
+  std::vector<std::string> files;
+  if (type == fs::file_type::regular || type == fs::file_type::symlink) files.push_back(name);
+  if (type == fs::file_type::none) return {};
+  if (type != fs::file_type::directory) return files;
+  for (fs::directory_iterator entry(folder / name, error), end; !error && entry != end;
+       entry.increment(error)) {
+    const auto inner = AllFilesAt(folder, name + "/" + entry->path().filename().string());
+    if (!inner) return {};
+    files.insert(files.end(), inner->begin(), inner->end());
+  }
+  return error ? std::nullopt : std::optional(files);
+}
+
 // The journal may say anything; only what the run may leave is touched.
 bool IsResultOf(const PlannedRun& run, const fs::path& name) {
   if (name.empty() || name != name.lexically_normal()) return false;
@@ -95,6 +112,9 @@ int SweepStore::TryLock() {
 
 std::string SweepStore::Open() {
   std::error_code error;
+  // What they would lead to is not ours to be emptied.
+  for (const std::string& own : {folder_, folder_ + "/files"})
+    if (fs::is_symlink(own, error)) fs::remove(own, error);
   fs::create_directories(folder_, error);
   if (error) return "cannot make " + folder_ + ": " + error.message();
   const auto give_up = std::chrono::steady_clock::now() + patience;
@@ -123,13 +143,20 @@ std::vector<std::string> SweepStore::FoldersOfOutput() const {
   return folders;
 }
 
+// All or nothing: a run that came back with some of its files would be taken for a finished one.
 std::vector<KeptFile> SweepStore::Keep(const PlannedRun& run) const {
   Drop(run);
   std::vector<KeptFile> files;
-  for (const std::string& result : run.results)
-    for (const std::string& name : FilesAt(run.results_folder, result))
-      if (LinkOrCopy(fs::path(run.results_folder) / name, PathOf(name)))
-        if (const std::optional<KeptFile> kept = LookAt(PathOf(name), name)) files.push_back(*kept);
+  for (const std::string& result : run.results) {
+    const auto names = AllFilesAt(run.results_folder, result);
+    if (!names) return {};
+    for (const std::string& name : *names) {
+      const bool linked = LinkOrCopy(fs::path(run.results_folder) / name, PathOf(name));
+      const std::optional<KeptFile> kept = linked ? LookAt(PathOf(name), name) : std::nullopt;
+      if (!kept) return {};
+      files.push_back(*kept);
+    }
+  }
   return files;
 }
 

@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 
 #include "step/outcome_file.h"
 
@@ -39,6 +40,15 @@ sigset_t TakenSignals() {
   sigemptyset(&set);
   for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGCHLD}) sigaddset(&set, signal);
   return set;
+}
+
+// In place of each of these standard descriptors.
+bool OpenAs(const char* path, int flags, std::initializer_list<int> descriptors) {
+  const int file = open(path, flags, 0666);
+  const bool opened = file >= 0 && std::all_of(descriptors.begin(), descriptors.end(),
+                                               [=](int descriptor) { return dup2(file, descriptor) >= 0; });
+  if (file > STDERR_FILENO) close(file);
+  return opened;
 }
 
 // One program and whatever it starts.
@@ -80,18 +90,17 @@ void Group::BecomeProgram(int failure_pipe) {
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
   const char* failed = command_.output_file.c_str();
-  dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
-  int output = STDOUT_FILENO;
-  if (*failed) output = open(failed, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
-  if (output >= 0) {
-    if (output != STDOUT_FILENO) {
-      dup2(output, STDOUT_FILENO);
-      dup2(output, STDERR_FILENO);
-    }
+  const char* what = "read";
+  if (!OpenAs("/dev/null", O_RDONLY, {STDIN_FILENO})) {
+    failed = "/dev/null";
+  } else if (*failed && !OpenAs(failed, O_WRONLY | O_CREAT | O_APPEND, {STDOUT_FILENO, STDERR_FILENO})) {
+    what = "write";
+  } else {
+    what = "start";
     failed = command_.arguments[0];
     execv(failed, command_.arguments);
   }
-  dprintf(failure_pipe, "cannot %s %s: %s", output < 0 ? "write" : "start", failed, strerror(errno));
+  dprintf(failure_pipe, "cannot %s %s: %s", what, failed, strerror(errno));
   _exit(cannot_start);
 }
 
@@ -107,6 +116,8 @@ bool Group::Start() {
   const ssize_t length = program_ < 0 ? 0 : read(failure_pipe[0], why, sizeof why);
   close(failure_pipe[0]);
   if (length > 0) outcome_.message.assign(why, static_cast<std::size_t>(length));
+  for (char& c : outcome_.message)  // A name in it may hold any.
+    if (static_cast<unsigned char>(c) < ' ' || c == 127) c = '?';
   if (program_ < 0) outcome_.message = std::string("cannot start a process: ") + strerror(errno);
   if (!outcome_.message.empty()) std::fprintf(stderr, "vostrand-step: %s\n", outcome_.message.c_str());
   return outcome_.message.empty();
@@ -227,7 +238,8 @@ int Group::Run() {
   if (command_.parent != 0 && getppid() != command_.parent) return cannot_start;  // It died in this moment.
   // Whatever was inherited: an ignored SIGCHLD would hide the program's end, and the program starts with all
   // of these.
-  for (const int signal : {SIGCHLD, SIGTERM, SIGINT, SIGHUP, SIGPIPE, SIGQUIT}) std::signal(signal, SIG_DFL);
+  for (const int signal : {SIGCHLD, SIGTERM, SIGINT, SIGHUP, SIGPIPE, SIGQUIT, SIGXFSZ})
+    std::signal(signal, SIG_DFL);
   const sigset_t taken = TakenSignals();
   sigprocmask(SIG_BLOCK, &taken, nullptr);
   if (!Start()) {

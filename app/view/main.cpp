@@ -1,4 +1,5 @@
 // The program vostrand-view: shows what vostrand has written.
+#include <fcntl.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -6,7 +7,9 @@
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QFile>
+#include <cerrno>
 #include <clocale>
+#include <cstring>
 #include <iostream>
 
 #include "page/report_page.h"
@@ -34,8 +37,11 @@ std::size_t Width() {
 }
 
 QByteArray ReadAll(const std::string& path) {
-  QFile file(QFile::decodeName(path.c_str()));
-  if (!(path == "-" ? file.open(stdin, QFile::ReadOnly) : file.open(QFile::ReadOnly)))
+  // Opened by hand: a name need not be text.
+  const int opened = path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (opened < 0) throw std::runtime_error(path + ": " + std::strerror(errno));
+  QFile file;
+  if (!file.open(opened, QFile::ReadOnly, path == "-" ? QFile::DontCloseHandle : QFile::AutoCloseHandle))
     throw std::runtime_error(path + ": " + file.errorString().toStdString());
   const QByteArray data = file.readAll();
   if (file.error() != QFile::NoError) throw std::runtime_error(path + ": cannot be read");

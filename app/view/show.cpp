@@ -8,7 +8,7 @@
 namespace vostrand {
 
 SweepResult Printable(SweepResult result) {
-  std::vector<std::string*> texts = {&result.stopped_because};
+  std::vector<std::string*> texts = {&result.stopped_because, &result.options.html_file};
   for (std::string& what : result.missing) texts.push_back(&what);
   for (PromotedFile& file : result.promoted) texts.push_back(&file.path);
   for (Preference& preference : result.preferences) texts.push_back(&preference.name);

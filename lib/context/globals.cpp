@@ -11,6 +11,17 @@ IStdLogger stdlogger;
 
 QThreadStorage<self_context*> thl_data;
 
+namespace {
+
+// Goes before the storage does. Other threads' runs stay: at the process's exit these may still be at work.
+struct UnloadGuard {
+  constexpr UnloadGuard() = default;
+  ~UnloadGuard() { ReleaseAtUnload(); }
+};
+const UnloadGuard unload_guard;
+
+}  // namespace
+
 UT_STROBJ cmdformat(
     "vostrand {-p <file>} [-tf <file>] {-log <file>} [-rem] [-dissorv] [-cst] {-o <file>} {-pr <design.prf>} "
     "[-tpr <multipar.prf>] <design[.ncd]> <designout[.ncd]> [--gui] [--msg <msglogfile>] [--msgset "

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <new>
 #include <thread>
 #include <vector>
 
@@ -72,6 +73,21 @@ bool IsAlive(const self_context* context) {
 bool IsInstalledHere(const self_context* context) {
   const std::lock_guard lock(guard);
   return FindInstalledHere(context) != nullptr;
+}
+
+bool IsAnyInstalledHere() {
+  const std::lock_guard lock(guard);
+  return std::any_of(entries.all.begin(), entries.all.end(),
+                     [](const entry& e) { return e.alive && e.thread == std::this_thread::get_id(); });
+}
+
+void FreeEnded() {
+  const std::lock_guard lock(guard);
+  const auto ended =
+      std::partition(entries.all.begin(), entries.all.end(), [](const entry& e) { return e.alive; });
+  for (auto e = ended; e != entries.all.end(); ++e) ::operator delete(const_cast<self_context*>(e->context));
+  entries.all.erase(ended, entries.all.end());
+  if (entries.all.empty()) entries.all.shrink_to_fit();
 }
 
 bool EndWithThread(const self_context* context) {

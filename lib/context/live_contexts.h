@@ -29,6 +29,12 @@ bool IsInstalledHere(const self_context* context);
 /// context; its memory stays reserved for the record that still points to it.
 bool EndWithThread(const self_context* context);
 
+/// True when the calling thread's storage holds a context that lives.
+bool IsAnyInstalledHere();
+
+/// Frees the memory that contexts which ended before their records left reserved.
+void FreeEnded();
+
 /// What the caller has to do with a context whose record lets go of it.
 enum class Claim {
   nothing,  ///< It is none, or somebody else's by now.

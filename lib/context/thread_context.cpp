@@ -85,4 +85,9 @@ void ReleaseRun(VOSTRAND_CONTEXT& record) {
   record.selfContext = nullptr;
 }
 
+void ReleaseAtUnload() {
+  if (live_contexts::IsAnyInstalledHere()) thl_data.setLocalData(nullptr);
+  live_contexts::FreeEnded();
+}
+
 }  // namespace orlo::vostrand_lib

@@ -30,4 +30,8 @@ self_context& StartRun(kelpn::mparrunner::VOSTRAND_CONTEXT& record);
 /// record.
 void ReleaseRun(kelpn::mparrunner::VOSTRAND_CONTEXT& record);
 
+/// For the library's end: releases what the calling thread, which unloads it or ends the process, still
+/// holds, and what records could still have released.
+void ReleaseAtUnload();
+
 }  // namespace orlo::vostrand_lib

@@ -1,5 +1,7 @@
 #include "profile/profile_file.h"
 
+#include <errno.h>
+
 #include "profile/profile_lines.h"
 
 namespace {
@@ -87,6 +89,8 @@ int WritePrivateProfileString(const char* section, const char* key, const char* 
   if (section == nullptr || file == nullptr) return 0;
   FILE* from = fopen(file, "r+e");
   if (from == nullptr) {
+    // It may well be there then, and making it would empty it.
+    if (errno == ENOMEM || errno == EMFILE || errno == ENFILE || errno == EIO) return 0;
     return key != nullptr && value != nullptr && create_file(section, key, value, file) ? 1 : 0;
   }
   FILE* text = tmpfile();
@@ -96,7 +100,8 @@ int WritePrivateProfileString(const char* section, const char* key, const char* 
   }
   const bool changed = Change(section, key, value).copy(from, text);
   // Opening the file for writing empties it, so the new text has to be complete by now.
-  const bool complete = ferror(from) == 0 && fflush(text) == 0 && ferror(text) == 0;
+  // Lines end early, too, when memory for one runs out.
+  const bool complete = feof(from) != 0 && ferror(from) == 0 && fflush(text) == 0 && ferror(text) == 0;
   fclose(from);
   const bool written = complete && write_over(file, text);
   fclose(text);

@@ -70,9 +70,8 @@ class VOSTRAND_API UT_DARRAY : public UT_BASE_ARRAY {
   virtual void a_resetnum(long elements);
   /// Index of the element at this address, or -1 for an address outside the array.
   virtual long intgetindex(void* element) const;
-  ///  /// A copy of the elements' bytes in memory of the caller's, to be released with free(); null for an
-  ///  empty array. Only
-  /// bytes: a string among them is the array's own and goes with it.
+  /// A copy of the elements' bytes in memory of the caller's, to be released with free(); null for an empty
+  /// array. Only bytes: a string among them is the array's own and goes with it.
   virtual void* a_makearray() const;
   virtual ~UT_DARRAY();
   /// Address of element `index`. `index` equal to `count` appends an empty element; any other index is null.

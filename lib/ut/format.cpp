@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
-#include <new>
 
 #include "ut/c_locale.h"
 
@@ -39,11 +37,4 @@ char* neoform(const char* format, ...) {
   text = ut_vformat(format, arguments);
   va_end(arguments);
   return text.data();
-}
-
-char* ut_strdup(const char* text) {
-  if (!text) return nullptr;
-  char* const copy = strdup(text);
-  if (!copy) throw std::bad_alloc();
-  return copy;
 }

@@ -11,6 +11,3 @@ std::string ut_vformat(const char* format, va_list arguments) __attribute__((for
 /// call; the caller never frees it. A thread that has called it keeps the library loaded until it ends, so
 /// nothing on the road of a tool run does.
 char* neoform(const char* format, ...) __attribute__((format(printf, 1, 2)));
-
-/// A newly allocated copy of `text`, to be released with free(); null for null.
-char* ut_strdup(const char* text);

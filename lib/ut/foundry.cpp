@@ -10,7 +10,6 @@ namespace {
 
 UT_FOUNDRY the_foundry;
 std::string root_text;
-std::once_flag made;
 
 std::string directory_of(const std::string& path) {
   const std::size_t slash = path.rfind('/');
@@ -39,9 +38,12 @@ void UT_FOUNDRY::checkFoundry() {
 }
 
 UT_FOUNDRY& UT_FOUNDRY::instance() {
-  std::call_once(made, [] {
+  // Not std::call_once: when memory runs out inside, the C library unwinds through its own frames with help
+  // that it has yet to load, and ends the process where it cannot.
+  [[maybe_unused]] static const bool made = [] {
     _foundryObj = &the_foundry;
     the_foundry.checkFoundry();
-  });
+    return true;
+  }();
   return the_foundry;
 }

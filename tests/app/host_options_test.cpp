@@ -37,6 +37,7 @@ TEST(HostOptions, StandInFrontOfTheToolArguments) {
       {{"--memory", "much", "top"}, 0, {}, "--memory: needs a size such as 512M or 4G, not much"},
       {{"--json", "/no/such/folder/x", "top"}, 0, {}, "--json: there is no folder /no/such/folder"},
       {{"--grace", "5s", "top"}, 0, {}, "--grace requires --stop-now"},
+      {{"--slurm-args", "-p x", "top"}, 0, {}, "--slurm-args needs --launcher slurm"},
       {{"--quiet", "--verbose", "top"}, 0, {}, "--"},
       {{"--retain", "some", "top"}, 0, {}, "--retain: some not in {all,best}"},
   };

@@ -204,14 +204,18 @@ TEST_F(ClusterTest, SubmitsOnceWhatNobodyConfirmed) {
   Script("bin/sbatch",
          "case $* in *--test-only*) exec /usr/bin/sbatch \"$@\" ;; esac\n"
          "cat >script.$$\n"
-         "if mkdir " + Path("first") + " 2>/dev/null; then\n"
-         "  { sleep 2; /usr/bin/sbatch \"$@\" <script.$$; } >/dev/null 2>&1 &\n"
-         "  echo Unable to contact >&2\n"
-         "  exit 1\n"
-         "fi\n"
-         "id=$(/usr/bin/sbatch \"$@\" <script.$$) || exit\n"
-         "mkdir " + Path("second") + " 2>/dev/null && echo accepted && exit\n"
-         "echo $id\n");
+         "if mkdir " +
+             Path("first") +
+             " 2>/dev/null; then\n"
+             "  { sleep 2; /usr/bin/sbatch \"$@\" <script.$$; } >/dev/null 2>&1 &\n"
+             "  echo Unable to contact >&2\n"
+             "  exit 1\n"
+             "fi\n"
+             "id=$(/usr/bin/sbatch \"$@\" <script.$$) || exit\n"
+             "mkdir " +
+             Path("second") +
+             " 2>/dev/null && echo accepted && exit\n"
+             "echo $id\n");
   const QByteArray path = qgetenv("PATH");
   qputenv("PATH", QByteArray::fromStdString(Path("bin:")) + path);
   EXPECT_EQ(SlurmSweep(), 0) << err;

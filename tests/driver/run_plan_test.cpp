@@ -2,6 +2,7 @@
 
 #include "common/scratch.h"
 #include "common/tool_run.h"
+#include "common/unprivileged.h"
 
 namespace fs = std::filesystem;
 
@@ -72,6 +73,31 @@ TEST_F(RunPlanTest, OldOutputIsRemovedOnlyWhereAskedTo) {
     EXPECT_TRUE(Exists("elsewhere/precious"));
     EXPECT_EQ(fs::symlink_status(Path("top.dir")).type(), fs::file_type::directory);
   }
+}
+
+// Each thing that a user may not write is named, and what is in it stays.
+TEST_F(RunPlanTest, SaysWhatMayNotBeWritten) {
+  const std::string options = Write("top.p2t", "-n 2\n");
+  Write("top.dir/old", "");
+  const auto plan = [&](int exit_code) {
+    const Unprivileged user;
+    ToolRun run(Root());
+    EXPECT_EQ(run.Plan(FullForm("top", {"-rem"})), exit_code);
+    return run.logger.err;
+  };
+  fs::permissions(Root(), fs::perms(0777));
+  fs::permissions(options, fs::perms(0444));
+  EXPECT_EQ(plan(3), "ERROR - vostrand: Cannot open Par command file top.p2t\n");
+
+  for (const char* const writable : {"top.p2t", "top.p2t.tmp0", "top.p2t.tmp1"})
+    fs::permissions(Write(writable, Read(writable)), fs::perms(0666));
+  fs::permissions(Root(), fs::perms(0755));
+  EXPECT_EQ(plan(0), "WARNING - vostrand: Unable to remove design directory file: old\n");
+  fs::remove(Path("top.dir/old"));
+  EXPECT_EQ(plan(0), "WARNING - vostrand: Unable to remove old design directory.\n");
+  fs::remove(Path("top.dir"));
+  Write("top.dir", "");
+  EXPECT_EQ(plan(0), "WARNING - vostrand: Unable to remove old design file: top.dir\n");
 }
 
 }  // namespace

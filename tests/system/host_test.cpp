@@ -3,7 +3,7 @@
 
 TEST_F(HostTest, RunsThePlanAndNamesTheBest) {
   Write("w/top.dir/5_1.twr", "old");
-  EXPECT_EQ(Sweep({"--jobs", "2"}), 0) << err;
+  EXPECT_EQ(Sweep({"--jobs", "2", "--memory", "1T"}), 0) << err;
   EXPECT_EQ(SummaryOrder(), "5_3 5_4 5_2 5_1 ") << out;
   EXPECT_EQ(CsvOrder(), SummaryOrder());
   EXPECT_NE(
@@ -14,6 +14,22 @@ TEST_F(HostTest, RunsThePlanAndNamesTheBest) {
   EXPECT_EQ(Read("w/top.ncd"), "design of 5_3\n");
   EXPECT_EQ(Read("w/top.dir/5_2.out"), "routing 5_2\n");
   EXPECT_EQ(err.find("Preference file is"), std::string::npos) << "status lines are for --verbose";
+}
+
+// The program knows the names in it, so that no record takes the place of one and the sweep can be resumed.
+TEST_F(HostTest, TakesTheFullForm) {
+  const auto run = [&](std::vector<std::string> words) {
+    for (const char* const word : {"--toolchain", "tools", "--chdir", "w", "-p", "top.p2t", "-log", "a.log",
+                                   "-o", "a.csv", "-pr", "top.prf", "top_map.ncd", "a.ncd"})
+      words.emplace_back(word);
+    return Run(words);
+  };
+  for (const char* const own : {"top.p2t", "a.log", "a.csv", "top.prf", "top_map.ncd", "a.ncd"})
+    EXPECT_EQ(run({"--json", std::string("w/") + own}), 2) << own;
+  EXPECT_EQ(run({}), 0) << err;
+  EXPECT_EQ(Read("w/a.ncd"), "design of 5_3\n");
+  EXPECT_EQ(run({"--resume"}), 0) << err;
+  EXPECT_NE(out.find("4 kept"), std::string::npos) << out;
 }
 
 TEST_F(HostTest, TellsFailuresApart) {

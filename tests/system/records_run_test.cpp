@@ -86,3 +86,25 @@ TEST_F(RecordsRunTest, OnesThatCannotBeWrittenAreMissing) {
   EXPECT_NE(std::string(text, static_cast<std::size_t>(length)).find("\"sweep_finished\""),
             std::string::npos);
 }
+
+// What a script relies on: 2 is misuse, 1 is that nothing could be shown, and the page is the one of the
+// sweep.
+TEST_F(RecordsRunTest, ViewTellsMisuseFromFailure) {
+  ASSERT_EQ(Sweep({"--json", "r.json", "--html", "r.html"}), 0);
+  const auto view = [&](const QStringList& arguments) {
+    process.start(QString(VOSTRAND_PROGRAM) + "-view", arguments);
+    return Wait();
+  };
+  EXPECT_EQ(view({"page", "r.json", "again.html"}), 0) << err;
+  EXPECT_TRUE(Read("again.html") == Read("r.html") && Read("r.html").size() > 1000);
+  for (const QStringList& misuse : {QStringList{}, {"show"}, {"look"}, {"explain", "r.json", "5_9"}})
+    EXPECT_TRUE(view(misuse) == 2 && out.empty() && err.starts_with("vostrand-view: ")) << err;
+  for (const QStringList& failure : {QStringList{"show", "w"},
+                                     {"explain", "w/top.prf"},
+                                     {"status", "w/prepared"},
+                                     {"status", "w/top.prf"},
+                                     {"page", "r.json", "none/page"},
+                                     {"page", "w/top.prf", "page"}})
+    EXPECT_TRUE(view(failure) == 1 && out.empty() && err.starts_with("vostrand-view: ")) << err;
+  EXPECT_FALSE(Exists("page"));
+}

@@ -17,6 +17,16 @@ using namespace orlo::vostrand_lib;
 
 namespace {
 
+void OnAnotherThread(const std::function<void()>& work) {
+  std::thread(work).join();
+}
+
+// What names the process holds open, such as the runs' logs.
+std::size_t OpenFiles() {
+  const std::filesystem::directory_iterator files("/proc/self/fd");
+  return static_cast<std::size_t>(std::distance(begin(files), end(files)));
+}
+
 class ThreadsTest : public ScratchTest {
  protected:
   // A folder in which "top" can be planned.
@@ -27,9 +37,8 @@ class ThreadsTest : public ScratchTest {
     return Path(name);
   }
 
-  // A whole tool run of its own numbers; returns what must be its best run's score.
-  void WholeRun(const std::string& name, int number) const {
-    ToolRun run(Design(name));
+  // A whole tool run of its own numbers, on the calling thread.
+  void PlanAndReport(ToolRun& run, const std::string& name, int number) const {
     ASSERT_EQ(run.Plan({"top"}), 0);
     const double mhz = 110.0 + number;
     PretendedRun{"5_1", mhz, 4.0, number}.LeaveIn(Path(name + "/top.dir"));
@@ -48,6 +57,18 @@ class ThreadsTest : public ScratchTest {
     EXPECT_EQ(Read(name + "/top.ncd"), "design of 5_1\n");
   }
 
+  enum class End { on_its_thread, on_another_thread, with_its_thread };
+
+  void WholeRun(const std::string& name, int number, End end) const {
+    ToolRun run(Design(name));
+    const auto work = [&] { PlanAndReport(run, name, number); };
+    if (end == End::with_its_thread)
+      OnAnotherThread(work);
+    else
+      work();
+    if (end == End::on_another_thread) OnAnotherThread([&] { vostrand_exit(0, &run.record); });
+  }
+
   static void CheckStopAtZero(ToolRun& run) {
     for (const auto& seed : run.record.seeds)
       for (const auto& step : seed.steps)
@@ -55,22 +76,18 @@ class ThreadsTest : public ScratchTest {
   }
 };
 
-void OnAnotherThread(const std::function<void()>& work) {
-  std::thread(work).join();
-}
-
 }  // namespace
 
-TEST_F(ThreadsTest, ManyWholeRunsAtOnceKeepToThemselves) {
-  constexpr int threads = 8;
-  constexpr int runs_each = 4;
+TEST_F(ThreadsTest, ManyWholeRunsAtOnceKeepToThemselvesHoweverTheyEnd) {
+  const std::size_t open_files = OpenFiles();
   std::vector<std::thread> workers;
-  workers.reserve(threads);
-  for (int t = 0; t < threads; ++t)
+  for (int t = 0; t < 8; ++t)
     workers.emplace_back([this, t] {
-      for (int i = 0; i < runs_each; ++i) WholeRun("d" + std::to_string(t), (t * runs_each + i) % 20);
+      for (int i = 0; i < 8; ++i)
+        WholeRun("d" + std::to_string(t), (t * 8 + i) % 20, static_cast<End>((t + i) % 3));
     });
   for (std::thread& worker : workers) worker.join();
+  EXPECT_EQ(OpenFiles(), open_files) << "a log stayed open";
 }
 
 TEST_F(ThreadsTest, ARunMayBeEndedOnAnotherThreadThanItsOwn) {

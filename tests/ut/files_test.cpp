@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "common/scratch.h"
+#include "common/unprivileged.h"
 #include "ut/dir.h"
 #include "ut/filemanager.h"
 #include "ut/line_reader.h"
@@ -172,4 +173,18 @@ TEST_F(Files, RewritingSurvivesAFullDiskBesideAndInPlace) {
     }
     EXPECT_EQ(Names(""), names);
   }
+}
+
+// What a run leaves is often read-only: the next run's copy makes room for itself where it may.
+TEST_F(Files, CopiesReplaceWhatMayNotBeWrittenAndRewritingLeavesItAlone) {
+  for (const char* const folder : {"", "dir"}) fs::permissions(Path(folder), fs::perms(0777));
+  const std::string kept = Write("kept/file", "old text\n");
+  for (const std::string& read_only : {Write("dir/target", "before"), kept})
+    fs::permissions(read_only, fs::perms(0444));
+  const Unprivileged user;
+  EXPECT_EQ(ut_file->copy(Path("file").c_str(), kept.c_str()), 0);
+  EXPECT_EQ(ut_rewrite_file(kept.c_str(), "new"), ut_rewrite_result::cannot_open);
+  EXPECT_EQ(Read("kept/file"), "old text\n");
+  EXPECT_NE(ut_file->copy(Path("file").c_str(), Path("dir/target").c_str()), 0);
+  EXPECT_EQ(Read("dir/target"), "old text\n");
 }

@@ -8,6 +8,8 @@
 #include <random>
 #include <string>
 
+#include "ut/regexp.h"
+
 TEST(Strobj, EdgesOfCutsSearchesAndOrder) {
   const UT_STROBJ abc("abc"), null(static_cast<const char*>(nullptr));
   EXPECT_STREQ(abc.left(2 - abc.size()).getstring(), "abc");  // A count that wrapped.
@@ -15,6 +17,17 @@ TEST(Strobj, EdgesOfCutsSearchesAndOrder) {
   EXPECT_EQ(abc.reverse_find_char('a', 0xffffffffUL), 0U);
   EXPECT_GT(UT_STROBJ("\xe4").strcmp("z"), 0);  // Unsigned bytes.
   EXPECT_TRUE(abc.left(1) < abc && UT_STROBJ("B") < abc && !(abc < abc) && abc.left(2).strcmp("ab") == 0);
+}
+
+TEST(Strobj, ExpressionsFindKeysFromAPositionOn) {
+  UT_REGEXP pair;
+  EXPECT_FALSE(pair.compile("(") || UT_STROBJ("(").match_reg_exp(pair, 0).count);
+  ASSERT_TRUE(pair.compile("([a-z]+)(!)?=([0-9]*)"));
+  const UT_STROBJ text("a=1 bc=23");
+  const UT_STRKEYS keys = text.match_reg_exp(pair, 1);
+  for (int n = -1; n < 5; ++n)
+    EXPECT_STREQ(text.get_key(keys, n).getstring(), n == 0 ? "bc=23" : n == 1 ? "bc" : n == 3 ? "23" : "");
+  EXPECT_EQ(text.match_reg_exp(pair, text.size() + 1).count, 0);
 }
 
 // The same random operations on strings, which share storage all the time, and on a model of them.

@@ -140,8 +140,8 @@ std::string Adoption::Wait() {
   return silent_controller + std::string("; these jobs may still be there: scancel") + left;
 }
 
-// What a lost node's daemon left running ends itself soon after its lease is gone; planning empties the folder
-// that it writes to.
+// What a lost node's daemon left running ends itself soon after its lease is gone; planning empties the
+// folder that it writes to.
 void Adoption::EndOrphans() const {
   for (const std::string& job : lost_) JobFolder(folder_ + "/jobs/" + job).GiveUp();
   if (!lost_.empty()) std::this_thread::sleep_for(orphan_patience);

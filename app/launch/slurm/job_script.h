@@ -33,8 +33,8 @@ constexpr int job_given_up = 115;
 std::string JobScript(const JobPlan& plan);
 
 /// The folder of one job, through which the host and the job speak to each other: "lease" is there while the
-/// host wants the job, "script" is what was submitted, "taken" keeps a second job away, "began" holds the node's name, "N" is the outcome of
-/// step N, "log" what the script itself said.
+/// host wants the job, "script" is what was submitted, "taken" keeps a second job away, "began" holds the
+/// node's name, "N" is the outcome of step N, "log" what the script itself said.
 class JobFolder {
  public:
   explicit JobFolder(std::string path) : path_(std::move(path)) {}

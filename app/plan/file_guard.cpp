@@ -1,0 +1,102 @@
+#include "plan/file_guard.h"
+
+#include <algorithm>
+#include <climits>
+#include <filesystem>
+
+namespace vostrand {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int most_runs = 99;
+
+std::string WhyNameIsRefused(const std::string& name, std::size_t longest_addition) {
+  if (name.starts_with('-')) return "the tools would take <" + name + "> for an option; write ./" + name;
+  if (fs::path(name).filename().string().size() + longest_addition > NAME_MAX)
+    return "the name <" + name + "> is too long for the names that are made of it";
+  return {};
+}
+
+bool IsLink(const fs::path& path) {
+  std::error_code error;
+  return fs::is_symlink(path, error);
+}
+
+// A link to a file in none of the folders.
+bool LeadsOutOf(const std::vector<fs::path>& folders, const fs::path& link) {
+  std::error_code error;
+  if (!IsLink(link) || !fs::exists(link, error)) return false;
+  const fs::path target = fs::canonical(link, error);
+  return std::none_of(folders.begin(), folders.end(), [&](const fs::path& folder) {
+    const fs::path inside = target.lexically_relative(fs::canonical(folder, error));
+    return !inside.empty() && *inside.begin() != "..";
+  });
+}
+
+std::string WhyLinksAreRefused(const ToolFiles& files, bool keeps_old_output, const fs::path& work_dir) {
+  const std::string commands = work_dir / files.par_commands;
+  for (int i = 0; i < most_runs; ++i)
+    if (const std::string copy = commands + ".tmp" + std::to_string(i); IsLink(copy))
+      return copy + " is a link: planning would write over what it leads to";
+  const std::string output = work_dir / files.output;
+  const std::string stem = output.ends_with(".ncd") ? output.substr(0, output.size() - 4) : output;
+  const fs::path folder = stem + ".dir";
+  std::error_code error;
+  if (keeps_old_output && IsLink(folder) && !fs::exists(folder, error))
+    return folder.string() + " is a link that leads nowhere";
+  std::vector<std::string> written;
+  if (keeps_old_output) written.push_back(folder / (fs::path(stem).filename().string() + ".par"));
+  for (const char* const extension : {".par", ".twr", ".pad", ".dly", ".icf"})
+    written.push_back(stem + extension);
+  const std::vector<fs::path> allowed = {work_dir, fs::path(stem).parent_path()};
+  for (const std::string& file : written)
+    if (LeadsOutOf(allowed, file))
+      return file + " is a link: the result would be written over what it leads to";
+  return {};
+}
+
+}  // namespace
+
+std::string WhyFilesAreRefused(const ToolFiles& files, const std::vector<std::string>& tool_arguments,
+                               const std::string& work_dir) {
+  if (files.output.empty()) return {};  // Planning refuses the command line.
+  if (files.output.ends_with(".dir"))
+    return "the output <" + files.output + "> must have a \".ncd\" extension";
+  constexpr std::size_t extension = 4;
+  for (const auto& [name, addition] :
+       {std::pair(files.design, std::size_t{0}), std::pair(files.output, extension),
+        std::pair(files.preferences, std::size_t{0}), std::pair(files.trace_preferences, std::size_t{0}),
+        std::pair(files.par_commands, std::string(".tmp98").size())}) {
+    const bool has_it = addition == extension && name.ends_with(".ncd");
+    const std::string why = WhyNameIsRefused(name, has_it ? 0 : addition);
+    if (!why.empty()) return why;
+  }
+  const fs::path base(work_dir);
+  for (const std::string& file : {files.output, files.par_commands, files.report}) {
+    std::error_code error;
+    const fs::path folder = (base / file).parent_path();
+    if (!fs::is_directory(folder, error)) return "there is no folder " + folder.string() + " for " + file;
+  }
+  // The short forms remove it always.
+  const bool keeps_old_output =
+      tool_arguments.size() > 2 &&
+      std::find(tool_arguments.begin(), tool_arguments.end(), "-rem") == tool_arguments.end();
+  return WhyLinksAreRefused(files, keeps_old_output, base);
+}
+
+void TakeInLinkedFolder(const std::string& folder, bool finished) {
+  std::error_code error;
+  if (!IsLink(folder)) return;
+  const fs::path target = fs::canonical(folder, error);
+  fs::remove(folder, error);
+  if (!finished || target.empty() || error) return;
+  fs::create_directory(folder, error);
+  for (const auto& entry : fs::directory_iterator(target, error)) {
+    std::error_code uncopied;  // It is missing in the result, which says so.
+    if (entry.is_regular_file(uncopied))
+      fs::copy_file(entry.path(), fs::path(folder) / entry.path().filename(), uncopied);
+  }
+}
+
+}  // namespace vostrand

@@ -1,34 +1,32 @@
 #include "launch/local_launcher.h"
 
 #include <spawn.h>
-#include <sys/syscall.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <QDir>
 #include <QTimer>
+#include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <fstream>
 #include <utility>
 #include <vector>
+
+#include "step/packets.h"
 
 namespace vostrand {
 namespace {
 
 constexpr int cannot_start = 127;
-constexpr int cannot_write = 126;  // The supervisor's exit code then.
 
 // A process group of its own: a terminal's Ctrl-C is the host's to hear, who then tells the supervisors.
 class SpawnSettings {
  public:
-  SpawnSettings(const std::string& work_dir, int held_file) {
+  explicit SpawnSettings(const std::string& work_dir) {
     posix_spawnattr_init(&attributes);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addchdir_np(&actions, work_dir.c_str());
-    // Onto itself: that is how it is passed on.
-    if (held_file >= 0) posix_spawn_file_actions_adddup2(&actions, held_file, held_file);
   }
   ~SpawnSettings() {
     posix_spawn_file_actions_destroy(&actions);
@@ -37,28 +35,27 @@ class SpawnSettings {
   SpawnSettings(const SpawnSettings&) = delete;
   SpawnSettings& operator=(const SpawnSettings&) = delete;
 
+  // Onto itself: that is how an open file is passed on.
+  void Pass(int file) { posix_spawn_file_actions_adddup2(&actions, file, file); }
+
   posix_spawnattr_t attributes;
   posix_spawn_file_actions_t actions;
 };
 
-// In memory where that can be had: three small files a command cost a disk more than the supervisor costs.
-QString ScratchTemplate() {
-  const QString folder = access("/dev/shm", W_OK | X_OK) == 0 ? QStringLiteral("/dev/shm") : QDir::tempPath();
-  return folder + "/vostrand-XXXXXX";
+int WaitFor(pid_t process) {
+  int wait_status = 0;
+  while (waitpid(process, &wait_status, 0) < 0 && errno == EINTR) {
+  }
+  return wait_status;
 }
 
-// A supervisor that wrote no outcome was killed itself; its program goes with it, and here the program's
-// group.
-step::Outcome OutcomeOf(int wait_status, const std::string& file) {
+// Of a command whose supervisor was killed.
+step::Outcome WithoutOutcome(int wait_status) {
   step::Outcome outcome;
-  if (step::ReadOutcome(file, outcome)) return outcome;
-  pid_t group = 0;
-  if (std::ifstream(file + ".group") >> group && group > 0) kill(-group, SIGKILL);
   outcome.signal = WIFSIGNALED(wait_status) ? WTERMSIG(wait_status) : 0;
   outcome.exit_code = outcome.signal != 0 ? 128 + outcome.signal : WEXITSTATUS(wait_status);
   if (outcome.exit_code == 0) outcome.exit_code = cannot_start;
-  outcome.message = outcome.exit_code == cannot_write ? "its supervisor cannot write " + file
-                                                      : "its supervisor ended without an outcome";
+  outcome.message = "its supervisor ended without an outcome";
   return outcome;
 }
 
@@ -69,15 +66,15 @@ LocalLauncher::LocalLauncher(std::string supervisor, std::string work_dir, ToolF
     : supervisor_(std::move(supervisor)),
       work_dir_(std::move(work_dir)),
       tools_(std::move(tools)),
-      timeout_seconds_(timeout_seconds),
-      outcomes_(ScratchTemplate()) {}
+      timeout_seconds_(timeout_seconds) {}
 
 LocalLauncher::~LocalLauncher() {
-  for (const auto& [id, running] : running_) close(running.ended_file);
+  for (const auto& [id, supervisor] : supervisors_) close(supervisor.socket);
+  for (const auto& [id, supervisor] : supervisors_)
+    if (!supervisor.done) WaitFor(supervisor.process);
 }
 
 std::string LocalLauncher::Unusable() const {
-  if (!outcomes_.isValid()) return "cannot make a scratch folder: " + outcomes_.errorString().toStdString();
   if (access(supervisor_.c_str(), X_OK) != 0) return "there is no program " + supervisor_;
   return {};
 }
@@ -89,6 +86,48 @@ void LocalLauncher::Fail(std::string message, Done done) {
   QTimer::singleShot(0, &queue_, [outcome, done = std::move(done)] { done(outcome); });
 }
 
+int LocalLauncher::NewSupervisor(std::string& why) {
+  int sockets[2];
+  if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, sockets) != 0) {
+    why = std::strerror(errno);
+    return -1;
+  }
+  SpawnSettings settings(work_dir_);
+  std::vector<std::string> words = {supervisor_, "--serve", std::to_string(sockets[1])};
+  settings.Pass(sockets[1]);
+  if (held_file_ >= 0) {
+    words.insert(words.end(), {"--hold", std::to_string(held_file_)});
+    settings.Pass(held_file_);
+  }
+  std::vector<char*> argv;
+  for (std::string& word : words) argv.push_back(word.data());
+  argv.push_back(nullptr);
+  Supervisor started;
+  const int error = posix_spawn(&started.process, supervisor_.c_str(), &settings.actions,
+                                &settings.attributes, argv.data(), environ);
+  close(sockets[1]);
+  if (error != 0) {
+    close(sockets[0]);
+    why = std::strerror(error);
+    return -1;
+  }
+  const int id = next_id_++;
+  started.socket = sockets[0];
+  started.heard = std::make_unique<QSocketNotifier>(sockets[0], QSocketNotifier::Read);
+  QObject::connect(started.heard.get(), &QSocketNotifier::activated, &queue_, [this, id] { Heard(id); });
+  supervisors_[id] = std::move(started);
+  return id;
+}
+
+int LocalLauncher::GiveTo(const std::string& packet, std::string& why) {
+  for (auto& [id, supervisor] : supervisors_)
+    if (!supervisor.done && step::SendPacket(supervisor.socket, packet)) return id;
+  const int id = NewSupervisor(why);
+  if (id < 0 || step::SendPacket(supervisors_[id].socket, packet)) return id;
+  why = std::strerror(errno);
+  return -1;
+}
+
 void LocalLauncher::Start(const StepRequest& request, Done done) {
   const std::string& name = request.words.front();
   const std::string program = tools_.Find(name);
@@ -96,61 +135,48 @@ void LocalLauncher::Start(const StepRequest& request, Done done) {
     Fail("there is no program " + name + " in " + tools_.Places(), std::move(done));
     return;
   }
-  const int id = next_id_++;
-  Running started;
-  started.run = request.run;
-  started.outcome_file = outcomes_.filePath(QString::number(id)).toStdString();
-  std::vector<std::string> words = {supervisor_, "--outcome", started.outcome_file, "--output",
-                                    request.output_file};
-  const auto add_number = [&words](const char* option, int number) {
-    words.insert(words.end(), {option, std::to_string(number)});
-  };
-  add_number("--parent", getpid());
-  if (timeout_seconds_ > 0) add_number("--timeout-ms", static_cast<int>(timeout_seconds_ * 1000));
-  if (held_file_ >= 0) add_number("--hold", held_file_);
-  words.insert(words.end(), {"--", program});
-  words.insert(words.end(), request.words.begin() + 1, request.words.end());
-  std::vector<char*> argv;
-  argv.reserve(words.size() + 1);
-  for (std::string& word : words) argv.push_back(word.data());
-  argv.push_back(nullptr);
-
-  const SpawnSettings settings(work_dir_, held_file_);
-  const int error = posix_spawn(&started.supervisor, supervisor_.c_str(), &settings.actions,
-                                &settings.attributes, argv.data(), environ);
-  if (error != 0) {
-    Fail("cannot start " + supervisor_ + ": " + std::strerror(error), std::move(done));
+  step::RunPacket wanted;
+  wanted.timeout_ms = static_cast<int>(timeout_seconds_ * 1000);
+  wanted.output_file = request.output_file;
+  wanted.words = request.words;
+  wanted.words.front() = program;
+  std::string why;
+  const int id = GiveTo(AsText(wanted), why);
+  if (id < 0) {
+    Fail("cannot start " + supervisor_ + ": " + why, std::move(done));
     return;
   }
-  started.ended_file = static_cast<int>(syscall(SYS_pidfd_open, started.supervisor, 0));
-  if (started.ended_file < 0) {
-    const std::string why = std::strerror(errno);
-    kill(started.supervisor, SIGKILL);
-    waitpid(started.supervisor, nullptr, 0);
-    Fail("cannot watch " + name + ": " + why, std::move(done));
-    return;
-  }
-  started.done = std::move(done);
-  started.ended = std::make_unique<QSocketNotifier>(started.ended_file, QSocketNotifier::Read);
-  QObject::connect(started.ended.get(), &QSocketNotifier::activated, &queue_, [this, id] { Ended(id); });
-  running_[id] = std::move(started);
+  supervisors_[id].run = request.run;
+  supervisors_[id].done = std::move(done);
 }
 
-void LocalLauncher::Ended(int id) {
-  Running ended = std::move(running_.extract(id).mapped());
-  ended.ended->setEnabled(false);
-  ended.ended.release()->deleteLater();  // It is the sender of what is being handled.
-  int wait_status = 0;
-  while (waitpid(ended.supervisor, &wait_status, 0) < 0 && errno == EINTR) {
-  }
-  close(ended.ended_file);
-  ended.done(OutcomeOf(wait_status, ended.outcome_file));
+void LocalLauncher::Heard(int id) {
+  Supervisor& supervisor = supervisors_.at(id);
+  const std::string packet = step::ReceivePacket(supervisor.socket);
+  step::Outcome outcome;
+  if (packet.empty()) return Remove(id);
+  if (const pid_t group = step::GroupOf(packet); group > 0) supervisor.group = group;
+  if (!step::OutcomeOf(packet, outcome) || !supervisor.done) return;
+  supervisor.group = 0;
+  const Done done = std::exchange(supervisor.done, {});
+  done(outcome);
+}
+
+// It was killed. Its program goes with it, and here the program's group.
+void LocalLauncher::Remove(int id) {
+  Supervisor gone = std::move(supervisors_.extract(id).mapped());
+  gone.heard->setEnabled(false);
+  gone.heard.release()->deleteLater();  // It is the sender of what is being handled.
+  close(gone.socket);
+  if (gone.group > 0) kill(-gone.group, SIGKILL);
+  const int wait_status = WaitFor(gone.process);
+  if (gone.done) gone.done(WithoutOutcome(wait_status));
 }
 
 void LocalLauncher::Cancel(std::size_t run) {
-  // The supervisor takes a second SIGTERM as the end of its patience.
-  for (const auto& [id, running] : running_)
-    if (running.run == run) kill(running.supervisor, SIGTERM);
+  // A second one is the end of the supervisor's patience.
+  for (const auto& [id, supervisor] : supervisors_)
+    if (supervisor.done && supervisor.run == run) step::SendPacket(supervisor.socket, step::CancelPacket());
 }
 
 }  // namespace vostrand

@@ -3,7 +3,6 @@
 #include <sys/types.h>
 
 #include <QSocketNotifier>
-#include <QTemporaryDir>
 #include <map>
 #include <memory>
 #include <string>
@@ -13,12 +12,14 @@
 
 namespace vostrand {
 
-/// Runs commands on this machine, each under vostrand-step. Names pass as the bytes they are.
+/// Runs commands on this machine, each under a vostrand-step. One that has done its command takes the next:
+/// starting another would cost as much as a command that does nothing. Names pass as the bytes they are.
 class LocalLauncher final : public Launcher {
  public:
   /// `supervisor` is the path of vostrand-step; commands run in `work_dir`, each `timeout_seconds` at most; 0
   /// means as long as it takes.
   LocalLauncher(std::string supervisor, std::string work_dir, ToolFinder tools, double timeout_seconds);
+  /// Waits for the supervisors that have nothing to do; others end their commands and go.
   ~LocalLauncher() override;
 
   /// Why nothing can be run; empty when it can.
@@ -32,26 +33,29 @@ class LocalLauncher final : public Launcher {
   void Cancel(std::size_t run) override;
 
  private:
-  struct Running {
-    std::size_t run = 0;
-    pid_t supervisor = -1;
-    int ended_file = -1;  // Readable when the supervisor has ended.
-    std::unique_ptr<QSocketNotifier> ended;
-    std::string outcome_file;
-    Done done;
+  struct Supervisor {
+    pid_t process = -1;
+    int socket = -1;
+    std::unique_ptr<QSocketNotifier> heard;
+    Done done;            // Empty while it has nothing to do.
+    std::size_t run = 0;  // What it works for.
+    pid_t group = 0;      // Of the command.
   };
 
   void Fail(std::string message, Done done);
-  void Ended(int id);
+  /// The id of one that has taken the command; -1 and why when there is none.
+  int GiveTo(const std::string& packet, std::string& why);
+  int NewSupervisor(std::string& why);
+  void Heard(int id);
+  void Remove(int id);
 
   std::string supervisor_;
   std::string work_dir_;
   ToolFinder tools_;
   double timeout_seconds_;
   int held_file_ = -1;
-  QTemporaryDir outcomes_;
   QObject queue_;  // Results that are known at once still arrive from the event loop.
-  std::map<int, Running> running_;
+  std::map<int, Supervisor> supervisors_;
   int next_id_ = 0;
 };
 

@@ -5,11 +5,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 
 namespace vostrand::step {
 namespace {
 
 constexpr const char* last_line = "end";
+
+}  // namespace
 
 // Whole numbers only: a decimal point would depend on the reader's locale.
 std::string AsText(const Outcome& outcome) {
@@ -21,23 +24,12 @@ std::string AsText(const Outcome& outcome) {
          "\nmessage " + outcome.message + "\n" + last_line + "\n";
 }
 
-}  // namespace
-
-bool WriteOutcome(const std::string& path, const Outcome& outcome, bool to_disk) {
-  const std::string text = AsText(outcome);
-  const std::string beside = path + ".tmp";
-  std::FILE* const file = std::fopen(beside.c_str(), "we");
-  if (!file) return false;
-  const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size() &&
-                       std::fflush(file) == 0 && (!to_disk || fsync(fileno(file)) == 0);
-  return std::fclose(file) == 0 && written && std::rename(beside.c_str(), path.c_str()) == 0;
-}
-
-bool ReadOutcome(const std::string& path, Outcome& outcome) {
-  std::ifstream file(path);
+bool FromText(const std::string& text, Outcome& outcome) {
   Outcome read;
   bool whole = false;
-  for (std::string line; std::getline(file, line);) {
+  std::size_t begin = 0;
+  for (std::size_t end; (end = text.find('\n', begin)) != std::string::npos; begin = end + 1) {
+    const std::string line = text.substr(begin, end - begin);
     const std::size_t blank = line.find(' ');
     const std::string name = line.substr(0, blank);
     const std::string value = blank == std::string::npos ? "" : line.substr(blank + 1);
@@ -54,6 +46,21 @@ bool ReadOutcome(const std::string& path, Outcome& outcome) {
   }
   if (whole) outcome = read;
   return whole;
+}
+
+bool WriteOutcome(const std::string& path, const Outcome& outcome, bool to_disk) {
+  const std::string text = AsText(outcome);
+  const std::string beside = path + ".tmp";
+  std::FILE* const file = std::fopen(beside.c_str(), "we");
+  if (!file) return false;
+  const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size() &&
+                       std::fflush(file) == 0 && (!to_disk || fsync(fileno(file)) == 0);
+  return std::fclose(file) == 0 && written && std::rename(beside.c_str(), path.c_str()) == 0;
+}
+
+bool ReadOutcome(const std::string& path, Outcome& outcome) {
+  std::ifstream file(path);
+  return FromText({std::istreambuf_iterator<char>(file), {}}, outcome);
 }
 
 }  // namespace vostrand::step

@@ -20,7 +20,11 @@ struct Outcome {
   bool lost = false;         ///< Its machine failed or was taken from it; it may do elsewhere.
 };
 
-/// Writes the outcome as lines "name value", beside the file first, so that it is there whole or not at all.
+/// The outcome as lines "name value", and such lines read again; false when they are not whole.
+std::string AsText(const Outcome& outcome);
+bool FromText(const std::string& text, Outcome& outcome);
+
+/// Writes that text, beside the file first, so that it is there whole or not at all.
 /// With `to_disk` that holds through a failure of the machine as well, which costs milliseconds. False when
 /// it cannot be written.
 bool WriteOutcome(const std::string& path, const Outcome& outcome, bool to_disk);

@@ -1,8 +1,11 @@
 #include "step/supervisor.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/signalfd.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
@@ -11,17 +14,16 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 
-#include "step/outcome_file.h"
+#include "step/packets.h"
 
 namespace vostrand::step {
 namespace {
 
 constexpr int cannot_start = 127;
-constexpr int cannot_write = 126;
+constexpr int unknown_end = 126;
 constexpr int time_was_over = 124;
 
 double Now() {
@@ -42,6 +44,12 @@ sigset_t TakenSignals() {
   return set;
 }
 
+// The next one, 0 when there is none.
+int TakeSignal(int signals) {
+  signalfd_siginfo signal;
+  return read(signals, &signal, sizeof signal) == sizeof signal ? static_cast<int>(signal.ssi_signo) : 0;
+}
+
 // In place of each of these standard descriptors.
 bool OpenAs(const char* path, int flags, std::initializer_list<int> descriptors) {
   const int file = open(path, flags, 0666);
@@ -54,25 +62,26 @@ bool OpenAs(const char* path, int flags, std::initializer_list<int> descriptors)
 // One program and whatever it starts.
 class Group {
  public:
-  explicit Group(const Command& command) : command_(command) {}
+  Group(const Command& command, int host, int signals) : command_(command), host_(host), signals_(signals) {}
 
-  int Run();
+  Outcome Run();
 
  private:
   [[noreturn]] void BecomeProgram(int failure_pipe);
   bool Start();
-  void NoteGroup() const;
   void WaitForAll();
   bool ReapOne();
   void End(int signal);
-  void TakeSignal(const timespec& patience);
-  timespec Patience() const;
+  void ToldToEnd();
+  void Listen();
+  int PatienceMs() const;
   void EndIfOverdue();
   void EndIfGivenUp();
-  bool Write() const;
-  int Finish();
+  void Conclude();
 
   const Command& command_;
+  int host_;
+  const int signals_;
   pid_t program_ = -1;
   bool program_ended_ = false;
   int status_ = 0;
@@ -107,28 +116,23 @@ void Group::BecomeProgram(int failure_pipe) {
 bool Group::Start() {
   // Tells a program that could not be started from one that ended with that very code.
   int failure_pipe[2];
-  if (pipe2(failure_pipe, O_CLOEXEC) != 0) return false;
-  began_ = Now();
-  program_ = fork();
-  if (program_ == 0) BecomeProgram(failure_pipe[1]);
-  close(failure_pipe[1]);
-  char why[512];
-  const ssize_t length = program_ < 0 ? 0 : read(failure_pipe[0], why, sizeof why);
-  close(failure_pipe[0]);
-  if (length > 0) outcome_.message.assign(why, static_cast<std::size_t>(length));
-  for (char& c : outcome_.message)  // A name in it may hold any.
-    if (static_cast<unsigned char>(c) < ' ' || c == 127) c = '?';
-  if (program_ < 0) outcome_.message = std::string("cannot start a process: ") + strerror(errno);
-  if (!outcome_.message.empty()) std::fprintf(stderr, "vostrand-step: %s\n", outcome_.message.c_str());
-  return outcome_.message.empty();
-}
-
-// For whoever has to end the group when the supervisor is killed.
-void Group::NoteGroup() const {
-  if (std::FILE* const file = std::fopen((command_.outcome_file + ".group").c_str(), "we")) {
-    std::fprintf(file, "%d\n", program_);
-    std::fclose(file);
+  if (pipe2(failure_pipe, O_CLOEXEC) == 0) {
+    program_ = fork();
+    if (program_ == 0) BecomeProgram(failure_pipe[1]);
+    if (program_ < 0) outcome_.message = std::string("cannot start a process: ") + strerror(errno);
+    close(failure_pipe[1]);
+    char why[512];
+    const ssize_t length = program_ < 0 ? 0 : read(failure_pipe[0], why, sizeof why);
+    close(failure_pipe[0]);
+    if (length > 0) outcome_.message.assign(why, static_cast<std::size_t>(length));
+    for (char& c : outcome_.message)  // A name in it may hold any.
+      if (static_cast<unsigned char>(c) < ' ' || c == 127) c = '?';
+    // Ended already, and nobody's to wait for.
+    if (length > 0) waitpid(program_, nullptr, 0);
+  } else {
+    outcome_.message = std::string("cannot start a process: ") + strerror(errno);
   }
+  return outcome_.message.empty();
 }
 
 void Group::End(int signal) {
@@ -150,8 +154,11 @@ void Group::End(int signal) {
 bool Group::ReapOne() {
   for (;;) {
     int status = 0;
-    const pid_t ended = waitpid(-1, &status, WNOHANG);
+    rusage usage;
+    const pid_t ended = wait4(-1, &status, WNOHANG, &usage);
     if (ended <= 0) return ended == 0;
+    outcome_.cpu_seconds += Seconds(usage.ru_utime) + Seconds(usage.ru_stime);
+    outcome_.peak_kib = std::max(outcome_.peak_kib, usage.ru_maxrss);
     if (ended != program_) continue;
     program_ended_ = true;
     status_ = status;
@@ -161,23 +168,31 @@ bool Group::ReapOne() {
   }
 }
 
-void Group::TakeSignal(const timespec& patience) {
-  const sigset_t taken = TakenSignals();
-  const int signal = sigtimedwait(&taken, nullptr, &patience);
-  if (signal <= 0 || signal == SIGCHLD) return;
+void Group::ToldToEnd() {
   End(outcome_.cancelled ? SIGKILL : SIGTERM);
   outcome_.cancelled = outcome_.cancelled || !program_ended_;
   if (kill_at_ == 0) kill_at_ = Now() + command_.grace_seconds;
 }
 
-// How long nothing needs to be looked at unless a signal comes.
-timespec Group::Patience() const {
-  if (kill_at_ != 0) return {0, 20'000'000};
+// Waits for a signal or a word of the host, as long as nothing else needs to be looked at.
+void Group::Listen() {
+  pollfd files[] = {{signals_, POLLIN, 0}, {host_, POLLIN, 0}};
+  if (poll(files, 2, PatienceMs()) <= 0) return;
+  if (files[0].revents != 0) {
+    const int signal = TakeSignal(signals_);
+    if (signal > 0 && signal != SIGCHLD) ToldToEnd();
+  }
+  if (files[1].revents != 0) {
+    if (ReceivePacket(host_).empty()) host_ = -1;  // It has gone, which is told once.
+    ToldToEnd();
+  }
+}
+
+int Group::PatienceMs() const {
+  if (kill_at_ != 0) return 20;
   double left = command_.lease_file.empty() ? 3600 : 1;
-  if (command_.timeout_ms != 0)
-    left = std::min(left, std::max(0.0, began_ + command_.timeout_ms / 1e3 - Now()));
-  const auto seconds = static_cast<time_t>(left);
-  return {seconds, static_cast<long>((left - static_cast<double>(seconds)) * 1e9)};
+  if (command_.timeout_ms != 0) left = std::min(left, began_ + command_.timeout_ms / 1e3 - Now());
+  return static_cast<int>(std::max(0.0, left) * 1000) + 1;
 }
 
 void Group::EndIfOverdue() {
@@ -204,57 +219,70 @@ void Group::WaitForAll() {
     EndIfOverdue();
     EndIfGivenUp();
     if (kill_at_ != 0 && Now() >= kill_at_) End(SIGKILL);
-    TakeSignal(Patience());
+    Listen();
   }
 }
 
-// A host on this machine would not outlive the machine; one that finds the outcome by a lease may be on
-// another.
-bool Group::Write() const {
-  return WriteOutcome(command_.outcome_file, outcome_, !command_.lease_file.empty());
-}
-
-int Group::Finish() {
-  rusage usage;
-  getrusage(RUSAGE_CHILDREN, &usage);
+void Group::Conclude() {
   outcome_.elapsed_seconds = Now() - began_;
-  outcome_.cpu_seconds = Seconds(usage.ru_utime) + Seconds(usage.ru_stime);
-  outcome_.peak_kib = usage.ru_maxrss;
   // Something else has waited for the program: how it ended is not known.
-  if (!program_ended_) status_ = W_EXITCODE(cannot_write, 0);
+  if (!program_ended_) status_ = W_EXITCODE(unknown_end, 0);
   if (WIFSIGNALED(status_)) outcome_.signal = WTERMSIG(status_);
   outcome_.exit_code = outcome_.signal != 0 ? 128 + outcome_.signal : WEXITSTATUS(status_);
   if (outcome_.timed_out) {
     outcome_.exit_code = time_was_over;
     outcome_.message = "ended since its time was over";
   }
-  return Write() ? outcome_.exit_code : cannot_write;
 }
 
-int Group::Run() {
-  if (command_.held_file >= 0) fcntl(command_.held_file, F_SETFD, FD_CLOEXEC);
+Outcome Group::Run() {
+  began_ = Now();
+  if (Start()) {
+    if (host_ >= 0) SendPacket(host_, StartedPacket(program_));
+    WaitForAll();
+    Conclude();
+  } else {
+    outcome_.exit_code = cannot_start;
+  }
+  return outcome_;
+}
+
+}  // namespace
+
+Supervisor::Supervisor(int host) : host_(host) {
   prctl(PR_SET_CHILD_SUBREAPER, 1);
   prctl(PR_SET_PDEATHSIG, SIGTERM);
-  if (command_.parent != 0 && getppid() != command_.parent) return cannot_start;  // It died in this moment.
   // Whatever was inherited: an ignored SIGCHLD would hide the program's end, and the program starts with all
   // of these.
   for (const int signal : {SIGCHLD, SIGTERM, SIGINT, SIGHUP, SIGPIPE, SIGQUIT, SIGXFSZ})
     std::signal(signal, SIG_DFL);
   const sigset_t taken = TakenSignals();
   sigprocmask(SIG_BLOCK, &taken, nullptr);
-  if (!Start()) {
-    outcome_.exit_code = cannot_start;
-    return Write() ? cannot_start : cannot_write;
-  }
-  NoteGroup();
-  WaitForAll();
-  return Finish();
+  signals_ = signalfd(-1, &taken, SFD_CLOEXEC | SFD_NONBLOCK);
 }
 
-}  // namespace
+Supervisor::~Supervisor() {
+  if (signals_ >= 0) close(signals_);
+}
 
-int Supervise(const Command& command) {
-  return Group(command).Run();
+Outcome Supervisor::Run(const Command& command) {
+  if (signals_ < 0) {
+    Outcome outcome;
+    outcome.exit_code = cannot_start;
+    outcome.message = "too many open files";
+    return outcome;
+  }
+  return Group(command, host_, signals_).Run();
+}
+
+std::string Supervisor::NextPacket() {
+  for (;;) {
+    pollfd files[] = {{signals_, POLLIN, 0}, {host_, POLLIN, 0}};
+    if (poll(files, 2, -1) < 0 && errno != EINTR) return {};
+    const int signal = files[0].revents != 0 ? TakeSignal(signals_) : 0;
+    if (signal != 0 && signal != SIGCHLD) return {};
+    if (files[1].revents != 0) return ReceivePacket(host_);
+  }
 }
 
 }  // namespace vostrand::step

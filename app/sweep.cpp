@@ -294,7 +294,7 @@ void Sweep::Execute() {
     result_.runs[i].record = records.Records()[i];
   }
   FailChanged(left);
-  if (journal && !journal->Error().empty()) Warn(journal->Error());
+  if (const std::string why = journal ? journal->Error() : ""; !why.empty()) Warn(why);
   if (event_log_ && event_log_->Failed()) result_.missing.push_back(event_log_->Message());
 }
 

@@ -57,14 +57,25 @@ Journal::Journal(std::string path, const EventHeader& header, std::function<Kept
     : path_(std::move(path)), names_(header.runs), keep_(std::move(keep)) {
   const std::string beside = path_ + ".new";
   file_ = open(beside.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-  if (file_ < 0) Fail("write");
+  if (file_ < 0) {
+    Fail("write", errno);
+    return;
+  }
+  disk_ = std::make_unique<DiskSync>(file_);
   EventHeader own = header;
   own.format = journal_format;
   Write(JsonLine(vostrand::ToJson(own)), false);
 }
 
 Journal::~Journal() {
+  disk_.reset();
   if (file_ >= 0) close(file_);
+}
+
+std::string Journal::Error() {
+  const int error = disk_ ? disk_->Finish() : 0;
+  if (error != 0) Fail("write", error);
+  return error_;
 }
 
 void Journal::On(const Event& event) {
@@ -80,18 +91,20 @@ void Journal::On(const Event& event) {
 void Journal::ReplaceEarlier() {
   in_place_ = true;
   if (file_ < 0) return;
-  if (fsync(file_) != 0 || std::rename((path_ + ".new").c_str(), path_.c_str()) != 0) Fail("write");
+  if (fsync(file_) != 0 || std::rename((path_ + ".new").c_str(), path_.c_str()) != 0) Fail("write", errno);
 }
 
 void Journal::Write(const QByteArray& line, bool to_disk) {
   if (file_ < 0) return;
   // One call a line: a crash tears the last one at most.
   const ssize_t written = write(file_, line.constData(), static_cast<std::size_t>(line.size()));
-  if (written != line.size() || (to_disk && fsync(file_) != 0)) Fail("write");
+  if (written != line.size()) return Fail("write", written < 0 ? errno : ENOSPC);
+  if (to_disk) disk_->Request();
 }
 
-void Journal::Fail(const std::string& what) {
-  if (error_.empty()) error_ = "cannot " + what + " " + path_ + ": " + std::strerror(errno);
+void Journal::Fail(const std::string& what, int error) {
+  if (error_.empty()) error_ = "cannot " + what + " " + path_ + ": " + std::strerror(error);
+  disk_.reset();
   if (file_ >= 0) close(file_);
   file_ = -1;
 }

@@ -13,7 +13,8 @@ fail() {
 [ $# -eq 3 ] || fail 1 "$usage"
 design=$1 top=$2 out=$3
 [ -r "$design" ] && [ ! -d "$design" ] || fail 2 "cannot read design \"$design\""
-case $design$top$out in *'"'* | *';'*) fail 1 'names must hold no " and no ;' ;; esac
+# Quoted and in a script below: what could end the quotes, or the line, is refused.
+case $design$out in *'"'* | *';'* | *[[:cntrl:]]*) fail 1 'names must hold no ", no ; and no control characters' ;; esac
 case $top in *[!A-Za-z0-9_]* | '') fail 1 "\"$top\" is no module name" ;; esac
 command -v yosys >/dev/null || fail 4 "yosys is not installed"
 

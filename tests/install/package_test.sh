@@ -10,7 +10,7 @@ package=$(echo pack/vostrand_*.deb)
 files=$(dpkg-deb -c "$package")
 for file in bin/{vostrand,vostrand-view,vostrand-step,vostrand-synth} libexec/vostrand/{par,sorv,engine/synth.ys} \
     lib/.*libvostrandlib.so.1 include/vostrand/host/entry_points.h lib/.*vostrandConfig.cmake lib/.*vostrand.pc \
-    share/man/man1/vostrand.1.gz share/bash-completion/completions/vostrand \
+    share/man/man1/vostrand{,-view,-step,-synth}.1.gz share/bash-completion/completions/vostrand \
     share/zsh/vendor-completions/_vostrand share/doc/vostrand/copyright; do
   grep -q " \./usr/$file\$" <<<"$files" || { echo "the package has no $file"; exit 1; }
 done

@@ -12,7 +12,7 @@
 #include "plan/command_words.h"
 #include "plan/dry_run.h"
 #include "plan/library_run.h"
-#include "sweep.h"
+#include "sweep/run_sweep.h"
 
 namespace {
 

@@ -31,12 +31,14 @@ prepare wait "$PWD/doze" 2
 } >Makefile
 
 sweep() { "$program" --quiet --toolchain "$1/tools" --chdir "$1/work" --jobs "$2" top >/dev/null 2>&1 || true; }
-contenders=(xargs make vostrand "vostrand, planning and report alone")
+alone="vostrand, planning and report alone"
+contenders=(xargs make vostrand "$alone" "99 lines brought to the disk")
 run() {
   case $1 in
     xargs) seq 198 | xargs -P2 -n1 /bin/true ;;
     make) make -s -j2 all ;;
     vostrand) sweep true 2 ;;
+    99*) dd if=/dev/zero of=lines bs=1000 count=99 oflag=append,dsync conv=notrunc status=none ;;
     *) "$program" --quiet --toolchain true/tools --chdir true/work --resume top >/dev/null 2>&1 || true ;;
   esac
 }
@@ -48,7 +50,7 @@ milliseconds() { # Of a command.
 median() { sort -n | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
 
 for contender in "${contenders[@]}"; do run "$contender"; done
-declare -A times
+declare -A times medians
 for ((round = 0; round < rounds; ++round)); do
   for contender in "${contenders[@]}"; do times[$contender]+="$(milliseconds run "$contender") "; done
 done
@@ -57,13 +59,20 @@ first=
 for contender in "${contenders[@]}"; do
   time=$(tr ' ' '\n' <<<"${times[$contender]% }" | median)
   first=${first:-$time}
+  medians[$contender]=$time
   printf '| %s | %s | %s |\n' "$contender" "$time" "$(awk "BEGIN { printf \"%.2f\", $time / $first }")"
 done
+awk "BEGIN { d = ${medians[vostrand]} - ${medians[$alone]}
+  printf \"| vostrand without planning and report | %.1f | %.2f |\n\", d, d / $first }"
 
 # Seven rounds of 16 at once, the last of three: 1.4 s.
+nap_by_xargs() { seq 99 | xargs -P16 -I{} sh -c './nap; exec /bin/true'; }
+peer=$(for ((round = 0; round < rounds; ++round)); do milliseconds nap_by_xargs; done | median)
 time=$(for ((round = 0; round < rounds; ++round)); do milliseconds sweep sleep 16; done | median)
 printf '\n### 8. 99 runs that sleep 0.2 s, 16 at once\n\n| what | time, ms | ratio |\n|---|---:|---:|\n| ideal | 1400 | 1.00 |\n'
-printf '| vostrand | %s | %s |\n' "$time" "$(awk "BEGIN { printf \"%.3f\", $time / 1400 }")"
+for what in "xargs $peer" "vostrand $time" "vostrand, without planning and report $(awk "BEGIN { print $time - ${medians[$alone]} }")"; do
+  printf '| %s | %s | %s |\n' "${what% *}" "${what##* }" "$(awk "BEGIN { printf \"%.3f\", ${what##* } / 1400 }")"
+done
 
 # Its own processor time, the tools' left out: read from the process while it waits.
 "$program" --quiet --toolchain wait/tools --chdir wait/work --jobs 2 top >/dev/null 2>&1 &

@@ -1,5 +1,6 @@
 #include "launch/slurm/submission.h"
 
+#include <QString>
 #include <cctype>
 #include <chrono>
 #include <thread>
@@ -43,6 +44,8 @@ std::string WhyRefusedByCluster(const SlurmSettings& settings,
                                 const std::function<void(const std::string& line)>& say) {
   for (const std::string& word : settings.sbatch_arguments)
     if (IsRefused(word)) return word + " cannot be among the options for sbatch";
+  if (QString::fromStdString(settings.work_dir).toStdString() != settings.work_dir)
+    return "the working directory's name is no text that a cluster could be given";
   const auto give_up =
       std::chrono::steady_clock::now() + std::chrono::duration<double>(settings.patience_seconds);
   for (bool said = false;;) {

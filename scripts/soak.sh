@@ -5,6 +5,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${BUILD:-build/dev}
+VOSTRAND_SOAK=1 "$build/tests/hardship_test" --gtest_brief=1
 VOSTRAND_SOAK=1 "$build/tests/faults/faults_test" --gtest_brief=1
 VOSTRAND_SOAK=1 "$build/tests/load_test" --gtest_brief=1
 for _ in $(seq "${1:-3}"); do "$build/tests/cluster_test" --gtest_brief=1; done

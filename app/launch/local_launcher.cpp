@@ -69,7 +69,10 @@ LocalLauncher::LocalLauncher(std::string supervisor, std::string work_dir, ToolF
       timeout_seconds_(timeout_seconds) {}
 
 LocalLauncher::~LocalLauncher() {
-  for (const auto& [id, supervisor] : supervisors_) close(supervisor.socket);
+  for (const auto& [id, supervisor] : supervisors_) {
+    shutdown(supervisor.socket, SHUT_RDWR);
+    close(supervisor.socket);
+  }
   for (const auto& [id, supervisor] : supervisors_)
     if (!supervisor.done) WaitFor(supervisor.process);
 }

@@ -42,6 +42,7 @@ class SystemCallsTest : public DisturbedSweepTest, public ::testing::WithParamIn
       begun = begun || line.find(marker) != std::string::npos;
       if (line.starts_with(call_ + "(")) ++(begun ? count : before);
     }
+    if (count == 0) GTEST_SKIP() << "no such call is made";
     const int wanted = Soak() ? count : std::min(count, 3);
     std::mt19937 random(20261123);
     for (int i = 0; i < wanted; ++i) {

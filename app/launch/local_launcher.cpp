@@ -1,14 +1,18 @@
 #include "launch/local_launcher.h"
 
 #include <spawn.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <QTimer>
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -49,6 +53,11 @@ int WaitFor(pid_t process) {
   return wait_status;
 }
 
+std::vector<pid_t> Children() {
+  std::ifstream file("/proc/self/task/" + std::to_string(getpid()) + "/children");
+  return {std::istream_iterator<pid_t>(file), {}};
+}
+
 // Of a command whose supervisor was killed.
 step::Outcome WithoutOutcome(int wait_status) {
   step::Outcome outcome;
@@ -66,15 +75,19 @@ LocalLauncher::LocalLauncher(std::string supervisor, std::string work_dir, ToolF
     : supervisor_(std::move(supervisor)),
       work_dir_(std::move(work_dir)),
       tools_(std::move(tools)),
-      timeout_seconds_(timeout_seconds) {}
+      timeout_seconds_(timeout_seconds) {
+  // What a killed supervisor leaves behind becomes this process's, to be ended.
+  prctl(PR_SET_CHILD_SUBREAPER, 1);
+  others_ = Children();
+}
 
 LocalLauncher::~LocalLauncher() {
-  for (const auto& [id, supervisor] : supervisors_) {
-    shutdown(supervisor.socket, SHUT_RDWR);
-    close(supervisor.socket);
-  }
+  for (const auto& [id, supervisor] : supervisors_) close(supervisor.socket);
   for (const auto& [id, supervisor] : supervisors_)
-    if (!supervisor.done) WaitFor(supervisor.process);
+    if (!supervisor.done) {
+      kill(supervisor.process, SIGKILL);  // It has nothing to do, and may have been stopped.
+      WaitFor(supervisor.process);
+    }
 }
 
 std::string LocalLauncher::Unusable() const {
@@ -124,7 +137,10 @@ int LocalLauncher::NewSupervisor(std::string& why) {
 
 int LocalLauncher::GiveTo(const std::string& packet, std::string& why) {
   for (auto& [id, supervisor] : supervisors_)
-    if (!supervisor.done && step::SendPacket(supervisor.socket, packet)) return id;
+    if (!supervisor.done && step::SendPacket(supervisor.socket, packet)) {
+      kill(supervisor.process, SIGCONT);  // Somebody may have stopped it.
+      return id;
+    }
   const int id = NewSupervisor(why);
   if (id < 0 || step::SendPacket(supervisors_[id].socket, packet)) return id;
   why = std::strerror(errno);
@@ -165,6 +181,22 @@ void LocalLauncher::Heard(int id) {
   done(outcome);
 }
 
+// What a supervisor has left that was killed; what those have started in turn comes here when they end.
+void LocalLauncher::EndOrphans() const {
+  const auto is_known = [this](pid_t child) {
+    return std::find(others_.begin(), others_.end(), child) != others_.end() ||
+           std::any_of(supervisors_.begin(), supervisors_.end(),
+                       [=](const auto& known) { return known.second.process == child; });
+  };
+  for (bool more = true; std::exchange(more, false);)
+    for (const pid_t child : Children())
+      if (!is_known(child)) {
+        kill(child, SIGKILL);
+        WaitFor(child);
+        more = true;
+      }
+}
+
 // It was killed. Its program goes with it, and here the program's group.
 void LocalLauncher::Remove(int id) {
   Supervisor gone = std::move(supervisors_.extract(id).mapped());
@@ -173,13 +205,17 @@ void LocalLauncher::Remove(int id) {
   close(gone.socket);
   if (gone.group > 0) kill(-gone.group, SIGKILL);
   const int wait_status = WaitFor(gone.process);
+  EndOrphans();
   if (gone.done) gone.done(WithoutOutcome(wait_status));
 }
 
 void LocalLauncher::Cancel(std::size_t run) {
   // A second one is the end of the supervisor's patience.
   for (const auto& [id, supervisor] : supervisors_)
-    if (supervisor.done && supervisor.run == run) step::SendPacket(supervisor.socket, step::CancelPacket());
+    if (supervisor.done && supervisor.run == run) {
+      kill(supervisor.process, SIGCONT);
+      step::SendPacket(supervisor.socket, step::CancelPacket());
+    }
 }
 
 }  // namespace vostrand

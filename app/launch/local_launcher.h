@@ -48,6 +48,7 @@ class LocalLauncher final : public Launcher {
   int NewSupervisor(std::string& why);
   void Heard(int id);
   void Remove(int id);
+  void EndOrphans() const;
 
   std::string supervisor_;
   std::string work_dir_;
@@ -57,6 +58,7 @@ class LocalLauncher final : public Launcher {
   QObject queue_;  // Results that are known at once still arrive from the event loop.
   std::map<int, Supervisor> supervisors_;
   int next_id_ = 0;
+  std::vector<pid_t> others_;  // Children that whoever started this program left it.
 };
 
 }  // namespace vostrand

@@ -98,6 +98,8 @@ bool ToolOutput::Read(Followed& followed) {
 }
 
 std::vector<std::string> LastLines(const std::string& path) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) return {};  // A pipe would be waited for.
   std::ifstream file(path, std::ios::binary);
   file.seekg(0, std::ios::end);
   const auto size = static_cast<std::streamoff>(file.tellg());

@@ -26,8 +26,10 @@ bool IsLink(const fs::path& path) {
 // A link to a file in none of the folders.
 bool LeadsOutOf(const std::vector<fs::path>& folders, const fs::path& link) {
   std::error_code error;
-  if (!IsLink(link) || !fs::exists(link, error)) return false;
-  const fs::path target = fs::canonical(link, error);
+  if (!IsLink(link)) return false;
+  fs::path end = link;  // What is not there yet would be made there.
+  for (int i = 0; i < 40 && IsLink(end); ++i) end = end.parent_path() / fs::read_symlink(end, error);
+  const fs::path target = fs::weakly_canonical(end, error);
   return std::none_of(folders.begin(), folders.end(), [&](const fs::path& folder) {
     const fs::path inside = target.lexically_relative(fs::canonical(folder, error));
     return !inside.empty() && *inside.begin() != "..";
@@ -45,14 +47,42 @@ std::string WhyLinksAreRefused(const ToolFiles& files, bool keeps_old_output, co
   std::error_code error;
   if (keeps_old_output && IsLink(folder) && !fs::exists(folder, error))
     return folder.string() + " is a link that leads nowhere";
+  if (!AsksForSeveral(files, work_dir))
+    return {};  // One run's are removed first, as the links that they are.
   std::vector<std::string> written;
   if (keeps_old_output) written.push_back(folder / (fs::path(stem).filename().string() + ".par"));
   for (const char* const extension : {".par", ".twr", ".pad", ".dly", ".icf"})
     written.push_back(stem + extension);
+  // Promoted into the working directory, wherever the output is.
+  if (!fs::equivalent(fs::path(stem).parent_path(), work_dir, error))
+    for (const char* const extension : {".ncd", ".par", ".twr", ".pad", ".dly", ".icf"})
+      written.push_back(work_dir / (fs::path(stem).filename().string() + extension));
   const std::vector<fs::path> allowed = {work_dir, fs::path(stem).parent_path()};
   for (const std::string& file : written)
     if (LeadsOutOf(allowed, file))
       return file + " is a link: the result would be written over what it leads to";
+  return {};
+}
+
+// Inputs where the result goes, or in the folder that planning empties.
+std::string WhyInputsAreRefused(const ToolFiles& files, bool keeps_old_output, const fs::path& work_dir) {
+  const auto same = [](const fs::path& a, const fs::path& b) {
+    std::error_code error;
+    return fs::equivalent(a, b, error);
+  };
+  const std::string output = work_dir / files.output;
+  const std::string stem = output.ends_with(".ncd") ? output.substr(0, output.size() - 4) : output;
+  const std::string promoted = work_dir / fs::path(stem).filename();
+  for (const std::string& input :
+       {files.design, files.par_commands, files.preferences, files.trace_preferences}) {
+    const fs::path file = work_dir / input;
+    if (input.empty() || same(file, stem + ".ncd")) continue;  // Named as the output, too.
+    for (const std::string& base : {stem, promoted})
+      for (const char* const extension : {".ncd", ".par", ".twr", ".pad", ".dly", ".icf", ".out"})
+        if (same(file, base + extension)) return input + " would be written over by the result";
+    if (!keeps_old_output && same(file.parent_path(), stem + ".dir"))
+      return input + " lies in the old output, which is removed";
+  }
   return {};
 }
 
@@ -73,7 +103,9 @@ std::string WhyFilesAreRefused(const ToolFiles& files, const std::vector<std::st
     if (!why.empty()) return why;
   }
   const fs::path base(work_dir);
-  for (const std::string& file : {files.output, files.par_commands, files.report}) {
+  const bool reports =
+      std::find(tool_arguments.begin(), tool_arguments.end(), "-dissorv") == tool_arguments.end();
+  for (const std::string& file : {files.output, files.par_commands, reports ? files.report : files.output}) {
     std::error_code error;
     const fs::path folder = (base / file).parent_path();
     if (!fs::is_directory(folder, error)) return "there is no folder " + folder.string() + " for " + file;
@@ -82,21 +114,41 @@ std::string WhyFilesAreRefused(const ToolFiles& files, const std::vector<std::st
   const bool keeps_old_output =
       tool_arguments.size() > 2 &&
       std::find(tool_arguments.begin(), tool_arguments.end(), "-rem") == tool_arguments.end();
-  return WhyLinksAreRefused(files, keeps_old_output, base);
+  const std::string why = WhyInputsAreRefused(files, keeps_old_output, base);
+  return why.empty() ? WhyLinksAreRefused(files, keeps_old_output, base) : why;
 }
 
-void TakeInLinkedFolder(const std::string& folder, bool finished) {
+std::string WhyLeftoversAreRefused(const ToolFiles& files, const std::vector<PlannedRun>& plan,
+                                   const std::string& work_dir) {
   std::error_code error;
-  if (!IsLink(folder)) return;
+  for (const std::string& input :
+       {files.design, files.par_commands, files.preferences, files.trace_preferences})
+    for (const PlannedRun& run : plan)
+      for (const std::string& leftover : run.leftovers)
+        if (!input.empty() && fs::equivalent(fs::path(work_dir) / input, leftover, error))
+          return input + " has the name of what run " + run.name + " leaves, and would be removed";
+  return {};
+}
+
+std::vector<std::string> TakeInLinkedFolder(const std::string& folder, bool started, bool finished) {
+  std::error_code error;
+  std::vector<std::string> lost;
+  if (!IsLink(folder)) return lost;
   const fs::path target = fs::canonical(folder, error);
   fs::remove(folder, error);
-  if (!finished || target.empty() || error) return;
+  if (!started || target.empty() || error) return lost;
+  if (fs::equivalent(target, fs::path(folder).parent_path(), error)) return lost;  // All is there already.
   fs::create_directory(folder, error);
   for (const auto& entry : fs::directory_iterator(target, error)) {
-    std::error_code uncopied;  // It is missing in the result, which says so.
-    if (entry.is_regular_file(uncopied))
-      fs::copy_file(entry.path(), fs::path(folder) / entry.path().filename(), uncopied);
+    std::error_code uncopied;
+    const fs::path copy = fs::path(folder) / entry.path().filename();
+    if (!finished && entry.path().stem() != fs::path(folder).stem()) continue;
+    if (!entry.is_regular_file(uncopied) || fs::copy_file(entry.path(), copy, uncopied)) continue;
+    fs::remove(copy, uncopied);  // Half of it would be taken for the result.
+    lost.push_back(copy.string() + " (whole only as " + entry.path().string() + ")");
   }
+  if (error) lost.push_back(folder + " (cannot be read as " + target.string() + ")");
+  return lost;
 }
 
 }  // namespace vostrand

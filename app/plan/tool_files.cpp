@@ -31,7 +31,9 @@ bool IsSwitch(const std::string& argument) {
 
 ToolFiles FilesOf(const std::vector<std::string>& tool_arguments) {
   if (tool_arguments.size() == 1) return OfBaseName(tool_arguments[0]);
-  if (tool_arguments.size() == 2 && !IsSwitch(tool_arguments[0]) && !IsSwitch(tool_arguments[1])) return {};
+  if (tool_arguments.size() == 2 && IsSwitch(tool_arguments[0]) == IsSwitch(tool_arguments[1]) &&
+      (!IsSwitch(tool_arguments[0]) || tool_arguments[0] != tool_arguments[1]))
+    return {};
   if (tool_arguments.size() == 2) return OfBaseName(tool_arguments[IsSwitch(tool_arguments[0]) ? 1 : 0]);
 
   std::vector<std::string> copy = tool_arguments;
@@ -65,6 +67,14 @@ std::string WhyRunNamesAreRefused(const ToolFiles& files, const std::string& wor
   if (FitsCommandLine(name) && name.find('/') == std::string::npos) return {};
   return "the level \"" + name + "\" in " + path.getstring() +
          " makes run names with blanks, quotes or \"/\", which cannot be run";
+}
+
+bool AsksForSeveral(const ToolFiles& files, const std::string& work_dir) {
+  const UT_STROBJ path = orlo::vostrand_lib::GenerateFilePath(work_dir.c_str(), files.par_commands.c_str());
+  std::ifstream lines(path.getstring());
+  for (std::string line; std::getline(lines, line);)
+    if (line.find("-n ") != std::string::npos) return true;
+  return false;
 }
 
 std::string WhyPlanIsRefused(const ToolFiles& files, const std::string& work_dir, bool multi_run,

@@ -26,6 +26,9 @@ ToolFiles FilesOf(const std::vector<std::string>& tool_arguments);
 /// blanks, quotes or "/". Empty when they can. Changes nothing.
 std::string WhyRunNamesAreRefused(const ToolFiles& files, const std::string& work_dir);
 
+/// Whether the par command file asks for several runs.
+bool AsksForSeveral(const ToolFiles& files, const std::string& work_dir);
+
 /// Why a plan is not that of the par command file, which planning leaves out without a word when it cannot be
 /// opened at that moment; `first_run` is the plan's first name. Empty when it is, or when there is no file.
 std::string WhyPlanIsRefused(const ToolFiles& files, const std::string& work_dir, bool multi_run,

@@ -13,7 +13,7 @@ struct Promotion {
   bool multi_run = true;  ///< False: the tools wrote the result where it is.
   /// When a single run's design file was modified that lay there before the sweep, since the epoch; 0 when
   /// there was none. One of this very time counts as missing. No clock is asked: clocks are set.
-  std::int64_t old_ns = 0;
+  std::int64_t old_ns = -1;
 
   std::string Summary() const;  ///< The summary without the best run's report behind it.
 };

@@ -63,7 +63,7 @@ Promotion PromotionOf(const LibraryRun& library, const SweepResult& result, std:
                                        : promotion.output_dir.substr(0, promotion.output_dir.size() - 4);
   promotion.best = best.name;
   promotion.timing = result.timing;
-  promotion.old_ns = best.restored ? 0 : old_ns;
+  promotion.old_ns = best.restored ? -1 : old_ns;
   return promotion;
 }
 

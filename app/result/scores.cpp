@@ -217,7 +217,7 @@ std::vector<std::string> Scores::Unwritten(const SweepResult& result) {
   const int count = static_cast<int>(order.size());
   const std::string report = library_.PathOf(info.reportFile.getstring());
   const std::string report_text = WrittenBy([&](UT_STROBJ& path) {
-    if (info.noTiming) return;
+    if (info.noTiming || !library_.HasReportFile()) return;  // It would sort, which the library did not.
     for (auto& [name, listed] : preferences_) listed.prefText = texts_[name.getstring()];
     for (const std::size_t run : result.order)
       scores_[run].csvText = ut_element(info.csvLabels, run) + "," + scores_[run].csvText;

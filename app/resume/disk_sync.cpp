@@ -3,10 +3,16 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <system_error>
 
 namespace vostrand {
 
-DiskSync::DiskSync(int file) : file_(file), thread_([this] { Work(); }) {}
+DiskSync::DiskSync(int file) : file_(file) {
+  try {
+    thread_ = std::thread([this] { Work(); });
+  } catch (const std::system_error&) {  // Then the event loop waits for the disk.
+  }
+}
 
 DiskSync::~DiskSync() {
   Finish();
@@ -15,10 +21,14 @@ DiskSync::~DiskSync() {
     ends_ = true;
   }
   changed_.notify_all();
-  thread_.join();
+  if (thread_.joinable()) thread_.join();
 }
 
 void DiskSync::Request() {
+  if (!thread_.joinable()) {
+    if (fdatasync(file_) != 0 && error_ == 0) error_ = errno;
+    return;
+  }
   {
     const std::lock_guard lock(mutex_);
     ++requested_;

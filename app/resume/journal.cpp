@@ -56,7 +56,8 @@ bool IsAboutRestored(Event::Kind kind) {
 Journal::Journal(std::string path, const EventHeader& header, std::function<KeptRun(std::size_t run)> keep)
     : path_(std::move(path)), names_(header.runs), keep_(std::move(keep)) {
   const std::string beside = path_ + ".new";
-  file_ = open(beside.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  unlink(beside.c_str());  // A link there would be written through.
+  file_ = open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
   if (file_ < 0) {
     Fail("write", errno);
     return;

@@ -52,8 +52,9 @@ std::optional<std::vector<std::string>> AllFilesAt(const fs::path& folder, const
   std::error_code error;
   const fs::file_type type = fs::symlink_status(folder / name, error).type();
   std::vector<std::string> files;
-  if (type == fs::file_type::regular || type == fs::file_type::symlink) files.push_back(name);
-  if (type == fs::file_type::none) return {};
+  if (type == fs::file_type::regular) files.push_back(name);
+  if (type == fs::file_type::none || type == fs::file_type::symlink)
+    return {};  // What it leads to may change.
   if (type != fs::file_type::directory) return files;
   for (fs::directory_iterator entry(folder / name, error), end; !error && entry != end;
        entry.increment(error)) {

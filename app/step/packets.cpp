@@ -65,7 +65,7 @@ bool SendPacket(int socket, const std::string& text) {
 std::string ReceivePacket(int socket) {
   ssize_t length = 0;
   do length = recv(socket, nullptr, 0, MSG_PEEK | MSG_TRUNC);
-  while (length < 0 && errno == EINTR);
+  while (length < 0 && (errno == EINTR || errno == ECONNRESET));  // What was sent before can still be had.
   std::string text(static_cast<std::size_t>(length < 0 ? 0 : length), '\0');
   if (length > 0) length = recv(socket, text.data(), text.size(), 0);
   return length > 0 ? text : std::string();

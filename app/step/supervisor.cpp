@@ -52,7 +52,8 @@ int TakeSignal(int signals) {
 
 // In place of each of these standard descriptors.
 bool OpenAs(const char* path, int flags, std::initializer_list<int> descriptors) {
-  const int file = open(path, flags, 0666);
+  const int file = open(path, flags | O_NONBLOCK, 0666);  // Where a pipe lies, nobody may read.
+  if (file >= 0) fcntl(file, F_SETFL, flags & O_APPEND);
   const bool opened = file >= 0 && std::all_of(descriptors.begin(), descriptors.end(),
                                                [=](int descriptor) { return dup2(file, descriptor) >= 0; });
   if (file > STDERR_FILENO) close(file);
@@ -72,7 +73,7 @@ class Group {
   void WaitForAll();
   bool ReapOne();
   void End(int signal);
-  void ToldToEnd();
+  void ToldToEnd(bool& told);
   void Listen();
   int PatienceMs() const;
   void EndIfOverdue();
@@ -82,8 +83,11 @@ class Group {
   const Command& command_;
   int host_;
   const int signals_;
+  const pid_t supervisor_ = getpid();
   pid_t program_ = -1;
   bool program_ended_ = false;
+  bool by_signal_ = false;  // Told to end. One that is told both ways at once still gets its grace.
+  bool by_host_ = false;
   int status_ = 0;
   double began_ = 0;
   double kill_at_ = 0;  // 0 while nothing has been asked to end.
@@ -94,6 +98,7 @@ void Group::BecomeProgram(int failure_pipe) {
   setpgid(0, 0);
   // Should the supervisor itself be killed, at least the program goes with it.
   prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (getppid() != supervisor_) _exit(cannot_start);  // It went before.
   // Nothing blocked, whatever the supervisor or its own parent blocks.
   sigset_t none;
   sigemptyset(&none);
@@ -107,6 +112,8 @@ void Group::BecomeProgram(int failure_pipe) {
   } else {
     what = "start";
     failed = command_.arguments[0];
+    // Said by the program's own process: the supervisor might be killed before it could.
+    if (host_ >= 0) SendPacket(host_, StartedPacket(getpid()));
     execv(failed, command_.arguments);
   }
   dprintf(failure_pipe, "cannot %s %s: %s", what, failed, strerror(errno));
@@ -168,8 +175,9 @@ bool Group::ReapOne() {
   }
 }
 
-void Group::ToldToEnd() {
-  End(outcome_.cancelled ? SIGKILL : SIGTERM);
+void Group::ToldToEnd(bool& told) {
+  End(told ? SIGKILL : SIGTERM);
+  told = true;
   outcome_.cancelled = outcome_.cancelled || !program_ended_;
   if (kill_at_ == 0) kill_at_ = Now() + command_.grace_seconds;
 }
@@ -180,11 +188,11 @@ void Group::Listen() {
   if (poll(files, 2, PatienceMs()) <= 0) return;
   if (files[0].revents != 0) {
     const int signal = TakeSignal(signals_);
-    if (signal > 0 && signal != SIGCHLD) ToldToEnd();
+    if (signal > 0 && signal != SIGCHLD) ToldToEnd(by_signal_);
   }
   if (files[1].revents != 0) {
-    if (ReceivePacket(host_).empty()) host_ = -1;  // It has gone, which is told once.
-    ToldToEnd();
+    if (ReceivePacket(host_).empty()) host_ = -1;  // It has gone.
+    ToldToEnd(by_host_);
   }
 }
 
@@ -238,7 +246,6 @@ void Group::Conclude() {
 Outcome Group::Run() {
   began_ = Now();
   if (Start()) {
-    if (host_ >= 0) SendPacket(host_, StartedPacket(program_));
     WaitForAll();
     Conclude();
   } else {
@@ -251,7 +258,7 @@ Outcome Group::Run() {
 
 Supervisor::Supervisor(int host) : host_(host) {
   prctl(PR_SET_CHILD_SUBREAPER, 1);
-  prctl(PR_SET_PDEATHSIG, SIGTERM);
+  if (host_ < 0) prctl(PR_SET_PDEATHSIG, SIGTERM);  // A host's going is heard at its socket.
   // Whatever was inherited: an ignored SIGCHLD would hide the program's end, and the program starts with all
   // of these.
   for (const int signal : {SIGCHLD, SIGTERM, SIGINT, SIGHUP, SIGPIPE, SIGQUIT, SIGXFSZ})
@@ -279,8 +286,7 @@ std::string Supervisor::NextPacket() {
   for (;;) {
     pollfd files[] = {{signals_, POLLIN, 0}, {host_, POLLIN, 0}};
     if (poll(files, 2, -1) < 0 && errno != EINTR) return {};
-    const int signal = files[0].revents != 0 ? TakeSignal(signals_) : 0;
-    if (signal != 0 && signal != SIGCHLD) return {};
+    if (files[0].revents != 0) TakeSignal(signals_);  // There is nothing to end; the host says when to go.
     if (files[1].revents != 0) return ReceivePacket(host_);
   }
 }

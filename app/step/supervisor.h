@@ -32,8 +32,7 @@ class Supervisor {
   /// ended it, 127 when it cannot be started, 124 when its time was over.
   Outcome Run(const Command& command);
 
-  /// Waits for a packet of the host, whose first byte tells what it wants; empty once it has gone, or when
-  /// this process is told to end.
+  /// Waits for a packet of the host, whose first byte tells what it wants; empty once it has gone.
   std::string NextPacket();
 
  private:

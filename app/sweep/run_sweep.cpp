@@ -29,6 +29,15 @@ namespace {
 
 constexpr int cannot_be_run = 2;
 
+void TakeInLinkedFolders(Sweep& sweep) {
+  for (std::size_t i = 0; i < sweep.plan.size(); ++i) {
+    const int status = sweep.library.Seeds()[i].status;
+    for (const std::string& lost :
+         TakeInLinkedFolder(sweep.plan[i].leftover_folder, status != cancelled_status, status == 0))
+      sweep.result.missing.push_back(lost);
+  }
+}
+
 // The library does not say whether its copies succeeded.
 void CheckPromotion(Sweep& sweep) {
   if (sweep.result.order.empty()) return;
@@ -75,6 +84,11 @@ std::optional<int> Plan(Sweep& sweep) {
     return cannot_be_run;
   }
   sweep.plan = PlannedRuns(sweep.library);
+  const std::string lost = WhyLeftoversAreRefused(FilesOf(sweep.tool_arguments), sweep.plan, sweep.work_dir);
+  if (!lost.empty()) {
+    sweep.Warn(lost);
+    return cannot_be_run;
+  }
   sweep.result.runs.resize(sweep.plan.size());
   if (struct stat old; stat(sweep.library.OutputPath().c_str(), &old) == 0)
     sweep.old_ns = old.st_mtim.tv_sec * 1'000'000'000LL + old.st_mtim.tv_nsec;
@@ -98,8 +112,7 @@ int Run(Sweep& sweep) {
     const Signals interrupts([&](int signal) { sweep.Interrupt(signal); });
     LookAtInputs(sweep);
     Execute(sweep);
-    for (std::size_t i = 0; i < sweep.plan.size(); ++i)
-      TakeInLinkedFolder(sweep.plan[i].leftover_folder, sweep.library.Seeds()[i].status == 0);
+    TakeInLinkedFolders(sweep);
     ReportRuns(sweep.library, sweep.plan, sweep.result);
     CheckPromotion(sweep);
   }

@@ -43,7 +43,7 @@ struct Sweep {
   SweepResult result;
   Progress* progress = nullptr;            ///< While runs are executed.
   std::string changed_input;               ///< One that is not what the runs were first made from.
-  std::int64_t old_ns = 0;                 ///< See Promotion.
+  std::int64_t old_ns = -1;                ///< See Promotion.
   double began = 0;                        ///< By `clock`.
   std::function<void()> end_what_goes_on;  ///< Called at an interrupt.
 };

@@ -113,13 +113,35 @@ TEST_F(HostTest, GivesToolsTheirGraceUnlessAskedTwice) {
 }
 
 TEST_F(HostTest, NothingOutlivesAKilledSupervisor) {
-  Write("w/behave/5_1", "sleep 60 & echo $! >pid.tmp; mv pid.tmp pid_$R; wait\n");
+  // One child in the group of its command, one in a session of its own.
+  Write("w/behave/5_1",
+        "setsid sleep 60 & echo $! >pid_far; sleep 60 & echo $! >pid.tmp; mv pid.tmp pid_$R; wait\n");
   Start({"--jobs", "1", "--toolchain", "tools", "--chdir", "w", "top"});
   ASSERT_TRUE(WaitFor("w/pid_5_1"));
   std::system(("pkill -KILL -P " + std::to_string(process.processId())).c_str());
   EXPECT_EQ(Wait(), 4);
   EXPECT_TRUE(HasEnded("w/pid_5_1"));
+  EXPECT_TRUE(HasEnded("w/pid_far"));
   EXPECT_NE(err.find("run 5_1: its supervisor ended without an outcome"), std::string::npos) << err;
+}
+
+TEST_F(HostTest, AnIdleSupervisorThatIsStoppedOrToldToEndHoldsNothingUp) {
+  Plan("-n 2 -t 1 -s 1");
+  Write("w/behave/5_1", "while [ ! -f go ]; do sleep 0.01; done\n");
+  for (const std::string signal : {"STOP", "TERM"}) {
+    std::filesystem::remove(Path("w/go"));
+    std::filesystem::remove(Path("w/top.dir/5_2.twr"));
+    Start({"--jobs", "2", "--toolchain", "tools", "--chdir", "w", "top"});
+    ASSERT_TRUE(WaitFor("w/top.dir/5_2.twr"));
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    const std::string host = std::to_string(process.processId());
+    std::system(("for p in $(pgrep -P " + host + "); do pgrep -P $p >/dev/null || kill -" + signal +
+                 " $p && touch " + Path("told_") + signal + "; done")
+                    .c_str());
+    Write("w/go", "");
+    EXPECT_EQ(Wait(), 0) << signal << err;
+    EXPECT_TRUE(Exists("told_" + signal));
+  }
 }
 
 TEST_F(HostTest, OneRunIsASingleDesignFile) {

@@ -226,6 +226,29 @@ TEST_F(HostileNames, LinksAreWrittenThroughOnlyWhereTheCommandLineNamesThem) {
     }
 }
 
+// What a sweep writes or removes is an input of it, or leads out where it is not looked for at first.
+TEST_F(HostileNames, NoInputIsWrittenOverOrRemoved) {
+  const std::tuple<std::string, Words, Listing> cases[] = {
+      {"top.ncd", {}, {{"design", "top.ncd"}, {"output", "sub/top.ncd"}}},
+      {"top.par", {}, {{"-p", "top.par"}}},
+      {"top.dir/d.ncd", {"-rem"}, {{"design", "top.dir/d.ncd"}}},
+      {"top.dir/5_3.ncd", {}, {{"design", "top.dir/5_3.ncd"}}}};
+  for (const auto& [input, options, named] : cases) {
+    FreshFolder();
+    fs::create_directories(Path("v/sub"));
+    fs::create_directories(Path("v/top.dir"));
+    fs::copy_file(Path(input == "top.par" ? "w/top.p2t" : "w/top_map.ncd"), Path("v/" + input));
+    EXPECT_EQ(RunRaw(FullForm(options, named)), 2) << input << out << err;
+    EXPECT_EQ(Read("v/" + input).substr(0, 6), input == "top.par" ? "-n 2 -" : "design") << input;
+  }
+  for (const char* const name : {"top.ncd", "top.twr", "top.pad"}) {
+    FreshFolder();
+    fs::create_directories(Path("v/sub"));
+    fs::create_symlink("../neighbour/new", Path(std::string("v/") + name));
+    EXPECT_EQ(RunRaw(FullForm({}, {{"output", "sub/top.ncd"}})), 2) << name << out << err;
+  }
+}
+
 TEST_F(HostileNames, LinksOfRunsThatNeverStartAndOfWhatIsKept) {
   FreshFolder();
   Write("v/behave/5_3", "exit 1\n");

@@ -59,7 +59,8 @@ std::optional<RunRecord> RecordOf(const JobNote& note, const JobFolder& folder, 
   record.started_seconds = record.ended_seconds = note.submitted - sweep_start;
   for (const std::size_t step : note.steps) {
     TryRecord attempt;
-    if (!step::ReadOutcome(folder.Outcome(step), attempt.outcome) || attempt.outcome.exit_code != 0)
+    if (!step::ReadOutcome(folder.Outcome(step), attempt.outcome) || attempt.outcome.exit_code != 0 ||
+        attempt.outcome.cancelled)
       return {};
     attempt.step = step;
     attempt.outcome.node = folder.Node();
@@ -143,8 +144,14 @@ std::string Adoption::Wait() {
 // What a lost node's daemon left running ends itself soon after its lease is gone; planning empties the
 // folder that it writes to.
 void Adoption::EndOrphans() const {
-  for (const std::string& job : lost_) JobFolder(folder_ + "/jobs/" + job).GiveUp();
-  if (!lost_.empty()) std::this_thread::sleep_for(orphan_patience);
+  bool any = !lost_.empty();
+  for (const JobNote& note : notes_) {
+    const JobFolder folder(folder_ + "/jobs/" + note.job);
+    step::Outcome last;
+    any = any || (!folder.Node().empty() && !step::ReadOutcome(folder.Outcome(note.steps.back()), last));
+    folder.GiveUp();
+  }
+  if (any) std::this_thread::sleep_for(orphan_patience);
 }
 
 void Adoption::Cancel(const std::vector<JobStatus>& live) const {

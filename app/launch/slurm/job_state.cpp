@@ -61,6 +61,15 @@ bool JobStatus::HasEnded() const {
   return IsLost() || IsOneOf(state, ended_states);
 }
 
+bool JobStatus::TellsMoreThan(const JobStatus& other) const {
+  const auto rank = [](const JobStatus& job) {
+    if (job.HasEnded())
+      return WIFEXITED(job.wait_status) && WEXITSTATUS(job.wait_status) == job_given_up ? 0 : 1;
+    return job.IsWaiting() ? 2 : 3;
+  };
+  return rank(*this) > rank(other);
+}
+
 bool JobStatus::IsLost() const {
   return IsOneOf(state, lost_states);
 }

@@ -20,6 +20,8 @@ struct JobStatus {
   bool IsWaiting() const;
   /// Its state does not change any more, and nothing of it runs where its node is alive.
   bool HasEnded() const;
+  /// Of two jobs of one name: which one is at the run.
+  bool TellsMoreThan(const JobStatus& other) const;
   /// The machine's fault: somewhere else it may do.
   bool IsLost() const;
 };

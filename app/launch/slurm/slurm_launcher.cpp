@@ -181,9 +181,11 @@ void SlurmLauncher::Polled(const CommandResult& result) {
   std::map<std::string, const JobStatus*> by_name;
   const std::vector<JobStatus> queue = ReadQueue(result.out);
   for (const JobStatus& status : queue) {
-    // Two jobs have one name when a submission arrived that was thought lost: one of them ends at once.
+    // Two jobs have one name when a submission arrived that was thought lost: one of them does nothing.
     const JobStatus*& known = by_name[status.name];
-    if (!known || known->HasEnded()) known = &status;
+    if (known && known->IsWaiting() != status.IsWaiting())
+      ScancelSoon({"--state=PENDING"}, (status.IsWaiting() ? status : *known).id);
+    if (!known || status.TellsMoreThan(*known)) known = &status;
   }
   // What is told here may end jobs and begin others.
   std::vector<std::pair<std::size_t, std::string>> known;

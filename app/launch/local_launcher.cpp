@@ -116,6 +116,7 @@ int LocalLauncher::NewSupervisor(std::string& why) {
     settings.Pass(held_file_);
   }
   std::vector<char*> argv;
+  argv.reserve(words.size() + 1);
   for (std::string& word : words) argv.push_back(word.data());
   argv.push_back(nullptr);
   Supervisor started;

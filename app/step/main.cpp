@@ -75,6 +75,7 @@ int serve(const Options& options) {
     command.timeout_ms = wanted.timeout_ms;
     command.output_file = wanted.output_file;
     std::vector<char*> arguments;
+    arguments.reserve(wanted.words.size() + 1);
     for (std::string& word : wanted.words) arguments.push_back(word.data());
     arguments.push_back(nullptr);
     command.arguments = arguments.data();

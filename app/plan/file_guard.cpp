@@ -41,8 +41,7 @@ std::string WhyLinksAreRefused(const ToolFiles& files, bool keeps_old_output, co
   for (int i = 0; i < most_runs; ++i)
     if (const std::string copy = commands + ".tmp" + std::to_string(i); IsLink(copy))
       return copy + " is a link: planning would write over what it leads to";
-  const std::string output = work_dir / files.output;
-  const std::string stem = output.ends_with(".ncd") ? output.substr(0, output.size() - 4) : output;
+  const std::string stem = work_dir / files.Stem();
   const fs::path folder = stem + ".dir";
   std::error_code error;
   if (keeps_old_output && IsLink(folder) && !fs::exists(folder, error))
@@ -70,15 +69,13 @@ std::string WhyInputsAreRefused(const ToolFiles& files, bool keeps_old_output, c
     std::error_code error;
     return fs::equivalent(a, b, error);
   };
-  const std::string output = work_dir / files.output;
-  const std::string stem = output.ends_with(".ncd") ? output.substr(0, output.size() - 4) : output;
+  const std::string stem = work_dir / files.Stem();
   const std::string promoted = work_dir / fs::path(stem).filename();
-  for (const std::string& input :
-       {files.design, files.par_commands, files.preferences, files.trace_preferences}) {
+  for (const std::string& input : files.Read()) {
     const fs::path file = work_dir / input;
     if (input.empty() || same(file, stem + ".ncd")) continue;  // Named as the output, too.
     for (const std::string& base : {stem, promoted})
-      for (const char* const extension : {".ncd", ".par", ".twr", ".pad", ".dly", ".icf", ".out"})
+      for (const char* const extension : result_extensions)
         if (same(file, base + extension)) return input + " would be written over by the result";
     if (!keeps_old_output && same(file.parent_path(), stem + ".dir"))
       return input + " lies in the old output, which is removed";
@@ -121,8 +118,7 @@ std::string WhyFilesAreRefused(const ToolFiles& files, const std::vector<std::st
 std::string WhyLeftoversAreRefused(const ToolFiles& files, const std::vector<PlannedRun>& plan,
                                    const std::string& work_dir) {
   std::error_code error;
-  for (const std::string& input :
-       {files.design, files.par_commands, files.preferences, files.trace_preferences})
+  for (const std::string& input : files.Read())
     for (const PlannedRun& run : plan)
       for (const std::string& leftover : run.leftovers)
         if (!input.empty() && fs::equivalent(fs::path(work_dir) / input, leftover, error))

@@ -3,14 +3,13 @@
 #include <filesystem>
 
 #include "plan/command_words.h"
+#include "plan/tool_files.h"
 #include "support/file_names.h"
 
 namespace vostrand {
 namespace {
 
 using orlo::kelpn::mparrunner::STEP;
-
-constexpr const char* result_extensions[] = {".out", ".par", ".twr", ".ncd", ".pad", ".dly", ".icf"};
 
 PlannedRun WithFiles(const std::string& name, const LibraryRun& library) {
   PlannedRun run;

@@ -24,7 +24,7 @@ std::string WhyRecordsAreRefused(const HostOptions& options, const ToolFiles& fi
                                   files.preferences, files.trace_preferences})
     if (!file.empty()) taken[OneName(work_dir / file)] = "the sweep's own " + file;
   const fs::path stem = fs::path(files.output).replace_extension();
-  for (const char* const extension : {".ncd", ".par", ".twr", ".pad", ".dly", ".icf", ".out"})
+  for (const char* const extension : result_extensions)
     taken[OneName(work_dir / (stem.string() + extension))] = "a result of the sweep";
   const fs::path output_folder = OneName(work_dir / (stem.string() + ".dir"));
 

@@ -27,6 +27,29 @@ bool IsSwitch(const std::string& argument) {
   return argument == "-dissorv" || argument == "-cst";
 }
 
+// What a par command file asks for.
+struct Asked {
+  std::string path;
+  bool several = false;
+  UT_STROBJ level = "5";  // What the library takes where the file says nothing.
+  UT_STROBJ table = "1";
+  bool read_whole = false;
+};
+
+Asked AskedBy(const ToolFiles& files, const std::string& work_dir) {
+  Asked asked;
+  asked.path = orlo::vostrand_lib::GenerateFilePath(work_dir.c_str(), files.par_commands.c_str()).getstring();
+  std::ifstream lines(asked.path);
+  for (std::string line; std::getline(lines, line);) {
+    asked.several = asked.several || line.find("-n ") != std::string::npos;
+    for (const auto& [option, value] : {std::pair("-l ", &asked.level), {"-t ", &asked.table}})
+      if (line.find(option) != std::string::npos)
+        *value = orlo::vostrand_lib::GetOptionValue(line.c_str(), option).trimmed();
+  }
+  asked.read_whole = lines.eof();
+  return asked;
+}
+
 }  // namespace
 
 ToolFiles FilesOf(const std::vector<std::string>& tool_arguments) {
@@ -55,51 +78,31 @@ ToolFiles FilesOf(const std::vector<std::string>& tool_arguments) {
 }
 
 std::string WhyRunNamesAreRefused(const ToolFiles& files, const std::string& work_dir) {
-  const UT_STROBJ path = orlo::vostrand_lib::GenerateFilePath(work_dir.c_str(), files.par_commands.c_str());
-  std::ifstream lines(path.getstring());
-  UT_STROBJ level;
-  for (std::string line; std::getline(lines, line);)
-    if (line.find("-l ") != std::string::npos)
-      level = orlo::vostrand_lib::GetOptionValue(line.c_str(), "-l ").trimmed();
-  const std::string name = level.getstring();
-  if (name.size() > longest_level)
-    return "the level in " + std::string(path.getstring()) + " is too long for file names";
-  if (FitsCommandLine(name) && name.find('/') == std::string::npos) return {};
-  return "the level \"" + name + "\" in " + path.getstring() +
+  const Asked asked = AskedBy(files, work_dir);
+  const std::string level = asked.level.getstring();
+  if (level.size() > longest_level) return "the level in " + asked.path + " is too long for file names";
+  if (FitsCommandLine(level) && level.find('/') == std::string::npos) return {};
+  return "the level \"" + level + "\" in " + asked.path +
          " makes run names with blanks, quotes or \"/\", which cannot be run";
 }
 
 bool AsksForSeveral(const ToolFiles& files, const std::string& work_dir) {
-  const UT_STROBJ path = orlo::vostrand_lib::GenerateFilePath(work_dir.c_str(), files.par_commands.c_str());
-  std::ifstream lines(path.getstring());
-  for (std::string line; std::getline(lines, line);)
-    if (line.find("-n ") != std::string::npos) return true;
-  return false;
+  return AskedBy(files, work_dir).several;
 }
 
 std::string WhyPlanIsRefused(const ToolFiles& files, const std::string& work_dir, bool multi_run,
                              const std::string& first_run) {
-  const UT_STROBJ path = orlo::vostrand_lib::GenerateFilePath(work_dir.c_str(), files.par_commands.c_str());
+  const Asked asked = AskedBy(files, work_dir);
   std::error_code error;
-  if (!std::filesystem::is_regular_file(path.getstring(), error)) return {};
-  std::ifstream lines(path.getstring());
-  bool several = false;
-  UT_STROBJ level = "5";  // What the library takes where the file says nothing.
-  UT_STROBJ table = "1";
-  for (std::string line; std::getline(lines, line);) {
-    several = several || line.find("-n ") != std::string::npos;
-    for (const auto& [option, value] : {std::pair("-l ", &level), {"-t ", &table}})
-      if (line.find(option) != std::string::npos)
-        *value = orlo::vostrand_lib::GetOptionValue(line.c_str(), option).trimmed();
-  }
+  if (!std::filesystem::is_regular_file(asked.path, error)) return {};
   const std::size_t underscore = first_run.rfind('_');
-  const long long wanted = std::atoll(table.getstring());
+  const long long wanted = std::atoll(asked.table.getstring());
   const bool same_table =
       std::abs(wanted) > INT_MAX || std::atoll(first_run.c_str() + underscore + 1) == wanted;
-  if (lines.eof() && several == multi_run && first_run.substr(0, underscore) == level.getstring() &&
-      same_table)
+  if (asked.read_whole && asked.several == multi_run &&
+      first_run.substr(0, underscore) == asked.level.getstring() && same_table)
     return {};
-  return "the plan is not what " + std::string(path.getstring()) + " asks for, or that cannot be read";
+  return "the plan is not what " + asked.path + " asks for, or that cannot be read";
 }
 
 }  // namespace vostrand

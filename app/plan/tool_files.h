@@ -5,6 +5,9 @@
 
 namespace vostrand {
 
+/// What a run leaves, and the result consists of but for ".out".
+inline constexpr const char* result_extensions[] = {".out", ".par", ".twr", ".ncd", ".pad", ".dly", ".icf"};
+
 /// The files that the tool arguments name, as planning uses them; empty where there is none. All empty for a
 /// command line that planning refuses.
 struct ToolFiles {
@@ -17,6 +20,9 @@ struct ToolFiles {
   std::string trace_preferences;
 
   std::vector<std::string> Written() const { return {par_commands, log, report, output}; }
+  std::vector<std::string> Read() const { return {design, par_commands, preferences, trace_preferences}; }
+  /// The output without ".ncd".
+  std::string Stem() const { return output.ends_with(".ncd") ? output.substr(0, output.size() - 4) : output; }
 };
 
 /// The files of a command line in any of its three forms.

@@ -11,7 +11,7 @@ struct Promotion {
   std::string best;        ///< Name of the best run; empty when none finished.
   bool timing = true;
   bool multi_run = true;  ///< False: the tools wrote the result where it is.
-  /// When a single run's design file was modified that lay there before the sweep, since the epoch; 0 when
+  /// When a single run's design file was modified that lay there before the sweep, since the epoch; -1 when
   /// there was none. One of this very time counts as missing. No clock is asked: clocks are set.
   std::int64_t old_ns = -1;
 

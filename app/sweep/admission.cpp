@@ -3,7 +3,6 @@
 #include "launch/slurm/adoption.h"
 #include "plan/file_guard.h"
 #include "plan/record_names.h"
-#include "plan/tool_files.h"
 
 namespace vostrand {
 namespace {
@@ -28,10 +27,9 @@ std::string TakeUpJobs(Sweep& sweep) {
 }  // namespace
 
 std::string WhyRefused(Sweep& sweep) {
-  std::string why = WhyRunNamesAreRefused(FilesOf(sweep.tool_arguments), sweep.work_dir);
-  if (why.empty())
-    why = WhyFilesAreRefused(FilesOf(sweep.tool_arguments), sweep.tool_arguments, sweep.work_dir);
-  if (why.empty()) why = WhyRecordsAreRefused(sweep.result.options, FilesOf(sweep.tool_arguments));
+  std::string why = WhyRunNamesAreRefused(sweep.files, sweep.work_dir);
+  if (why.empty()) why = WhyFilesAreRefused(sweep.files, sweep.tool_arguments, sweep.work_dir);
+  if (why.empty()) why = WhyRecordsAreRefused(sweep.result.options, sweep.files);
   if (why.empty()) why = sweep.launcher.Unusable();
   if (why.empty() && sweep.slurm) why = sweep.slurm->Unusable();
   if (!why.empty()) return why;

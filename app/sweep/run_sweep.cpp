@@ -11,7 +11,6 @@
 #include "observe/harmless.h"
 #include "plan/file_guard.h"
 #include "plan/planned_runs.h"
-#include "plan/tool_files.h"
 #include "records/write_records.h"
 #include "result/file_hasher.h"
 #include "result/promotion_check.h"
@@ -77,16 +76,12 @@ std::optional<int> Plan(Sweep& sweep) {
     sweep.library.Logger().ShowHeldBack(planned == 0 ? std::cout : std::cerr);
     return planned;
   }
-  const std::string refusal = WhyPlanIsRefused(FilesOf(sweep.tool_arguments), sweep.work_dir,
-                                               sweep.library.Info().multiRun, sweep.library.Seeds()[0].name);
+  sweep.plan = PlannedRuns(sweep.library);
+  std::string refusal = WhyPlanIsRefused(sweep.files, sweep.work_dir, sweep.library.Info().multiRun,
+                                         sweep.library.Seeds()[0].name);
+  if (refusal.empty()) refusal = WhyLeftoversAreRefused(sweep.files, sweep.plan, sweep.work_dir);
   if (!refusal.empty()) {
     sweep.Warn(refusal);
-    return cannot_be_run;
-  }
-  sweep.plan = PlannedRuns(sweep.library);
-  const std::string lost = WhyLeftoversAreRefused(FilesOf(sweep.tool_arguments), sweep.plan, sweep.work_dir);
-  if (!lost.empty()) {
-    sweep.Warn(lost);
     return cannot_be_run;
   }
   sweep.result.runs.resize(sweep.plan.size());

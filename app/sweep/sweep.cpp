@@ -28,11 +28,12 @@ SlurmSettings SettingsFor(const HostOptions& options, const std::string& own_fol
 Sweep::Sweep(const HostOptions& options, const std::vector<std::string>& arguments,
              const std::string& own_folder)
     : tool_arguments(arguments),
+      files(FilesOf(arguments)),
       work_dir(options.work_dir.empty() ? "." : options.work_dir),
       library(options.work_dir, options.verbose),
       tools(options.toolchain, work_dir, own_folder),
       launcher(own_folder + "/vostrand-step", work_dir, tools, options.timeout_seconds),
-      resumption(work_dir, tool_arguments, FilesOf(tool_arguments).output) {
+      resumption(work_dir, tool_arguments, files.output) {
   result.program_version = VOSTRAND_VERSION;
   result.host_name = QSysInfo::machineHostName().toStdString();
   result.work_dir = std::filesystem::canonical(work_dir);

@@ -14,6 +14,7 @@
 #include "observe/progress.h"
 #include "options/host_options.h"
 #include "plan/library_run.h"
+#include "plan/tool_files.h"
 #include "records/event_log.h"
 #include "result/sweep_result.h"
 #include "resume/resumption.h"
@@ -31,6 +32,7 @@ struct Sweep {
   void Interrupt(int signal);
 
   const std::vector<std::string>& tool_arguments;
+  const ToolFiles files;  ///< That they name.
   std::string work_dir;
   SystemClock clock;
   LibraryRun library;

@@ -46,13 +46,14 @@ std::string ContentOf(const std::string& path) {
   return text.str();
 }
 
-// Not more of it than that: a best run's report behind the summary may have gigabytes.
-std::string BeginOf(const std::string& path, std::size_t size) {
-  std::string text(size, '\0');
+// Whether that is all there is in the file. Not more of it is read: a best run's report behind a summary may
+// have gigabytes.
+bool Holds(const std::string& path, const std::string& text) {
+  std::string begin(text.size() + 1, '\0');
   std::ifstream file(path, std::ios::binary);
-  file.read(text.data(), static_cast<std::streamsize>(size));
-  text.resize(static_cast<std::size_t>(file.gcount()));
-  return text;
+  file.read(begin.data(), static_cast<std::streamsize>(begin.size()));
+  begin.resize(static_cast<std::size_t>(file.gcount()));
+  return begin == text;
 }
 
 // What `write` writes into the file that it is given; nothing when there can be none.
@@ -224,15 +225,15 @@ std::vector<std::string> Scores::Unwritten(const SweepResult& result) {
     OutputReport(scores_.data(), rows_.data(), count, order.data(), path, info.csvLabels, preferences_,
                  weights_, static_cast<int>(preferences_.size()));
   });
-  if (result.timing && (!library_.HasReportFile() || !IsFile(report) ||
-                        BeginOf(report, report_text.size() + 1) != report_text))
+  if (result.timing && (!library_.HasReportFile() || !IsFile(report) || !Holds(report, report_text)))
     paths.push_back(report);
   const std::string summary_text =
       WrittenBy([&](const UT_STROBJ& path) { OutputParRpt(rows_.data(), count, order.data(), path); });
-  // The best run's own report may follow.
+  // The best run's own report is put behind it, once a copy is kept with the runs. An older one may begin alike.
   const std::string output = library_.OutputPath();
   const std::string summary = output.substr(0, output.size() - 4) + ".par";
-  if (info.multiRun && (summary_text.empty() || BeginOf(summary, summary_text.size()) != summary_text))
+  const std::string kept = output + ("/" + info.outputName + ".par").getstring();
+  if (info.multiRun && (summary_text.empty() || (!Holds(summary, summary_text) && !Holds(kept, summary_text))))
     paths.push_back(summary);
   if (info.logStream && info.logStream->failed())
     paths.push_back(library_.PathOf(FilesOf(result.tool_arguments).log));

@@ -80,6 +80,10 @@ TEST_P(OfTheHost, EachFailsInTurn) {
   const int first = FailEach([this](const auto& strace) { return OfHost(strace); }, "openat", start);
   const int second = FailEach([this](const auto& strace) { return OfHostAgain(strace); }, "openat", start);
   EXPECT_GT(first + second, 0);
+  if (call_ != "openat") return;
+  // The older one begins with the very same summary.
+  const std::string fault = "openat:error=EIO:when=1";
+  EXPECT_EQ(Disturb(OfHostAgain("-P w/top.par -e inject=" + fault), fault), 6);
 }
 
 TEST_P(OfTheSupervisor, EachFailsInTurn) {

@@ -229,11 +229,12 @@ std::vector<std::string> Scores::Unwritten(const SweepResult& result) {
     paths.push_back(report);
   const std::string summary_text =
       WrittenBy([&](const UT_STROBJ& path) { OutputParRpt(rows_.data(), count, order.data(), path); });
-  // The best run's own report is put behind it, once a copy is kept with the runs. An older one may begin alike.
+  // The best run's own report is put behind it, once a copy is kept with the runs; an older one begins alike.
   const std::string output = library_.OutputPath();
   const std::string summary = output.substr(0, output.size() - 4) + ".par";
   const std::string kept = output + ("/" + info.outputName + ".par").getstring();
-  if (info.multiRun && (summary_text.empty() || (!Holds(summary, summary_text) && !Holds(kept, summary_text))))
+  if (info.multiRun &&
+      (summary_text.empty() || (!Holds(summary, summary_text) && !Holds(kept, summary_text))))
     paths.push_back(summary);
   if (info.logStream && info.logStream->failed())
     paths.push_back(library_.PathOf(FilesOf(result.tool_arguments).log));

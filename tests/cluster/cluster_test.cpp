@@ -288,7 +288,7 @@ TEST_F(ClusterTest, TakesUpTheJobsOfAKilledHost) {
 TEST_F(HostTest, AResultThatChangesAfterItsRunIsNoResult) {
   Write("w/behave/5_4", "while [ ! -f go ]; do sleep 0.1; done\n");
   Start({"--jobs", "2", "--json", "r.json", "--toolchain", "tools", "--chdir", "w", "top"});
-  for (int i = 0; i < 500 && Read("w/top.dir/5_3.twr").empty(); ++i)
+  for (int i = 0; i < 3000 && Read("w/top.dir/5_3.twr").empty(); ++i)
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   std::this_thread::sleep_for(std::chrono::milliseconds(300));
   std::ofstream(Path("w/top.dir/5_3.par"), std::ios::app) << "late\n";

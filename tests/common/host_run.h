@@ -55,13 +55,14 @@ class HostTest : public ScratchTest {
   }
 
   bool WaitFor(const std::string& file) {
-    for (int i = 0; i < 500 && !Exists(file); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    for (int i = 0; i < 3000 && !Exists(file); ++i)
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
     return Exists(file);
   }
   // The tool wrote its process id here; true when it has gone.
   bool HasEnded(const std::string& pid_file) {
     const pid_t pid = std::stoi(Read(pid_file));
-    for (int i = 0; i < 500 && kill(pid, 0) == 0; ++i)
+    for (int i = 0; i < 3000 && kill(pid, 0) == 0; ++i)
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     return kill(pid, 0) != 0;
   }

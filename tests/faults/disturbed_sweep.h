@@ -79,7 +79,7 @@ class DisturbedSweepTest : public HostTest {
     for (const std::string file : {"w/top.ncd", "w/top.twr", "w/top.par", "w/top.pad"})
       EXPECT_TRUE(!Said("\n  " + file + "\n") || !Read(file).empty()) << file;
     EXPECT_TRUE(!Said("\n  w/top.ncd\n") || Said("\nbest: " + Read("w/top.ncd").substr(10)));
-    for (int i = 0; i < 300 && IsAnythingRunning(); ++i) usleep(10000);
+    for (int i = 0; i < 1000 && IsAnythingRunning(); ++i) usleep(10000);
     EXPECT_FALSE(IsAnythingRunning());
   }
   bool IsAnythingRunning() const {

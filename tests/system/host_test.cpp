@@ -96,7 +96,7 @@ TEST_F(HostTest, InterruptedSweepReportsWhatFinishedAndLeavesNothingRunning) {
 }
 
 TEST_F(HostTest, GivesToolsTheirGraceUnlessAskedTwice) {
-  Write("w/behave/5_1", "trap 'sleep 0.3; echo cleaned >cleaned; exit 1' TERM\n" + std::string(sleeper));
+  Write("w/behave/5_1", "trap 'sleep 0.7; echo cleaned >cleaned; exit 1' TERM\n" + std::string(sleeper));
   for (const int signals : {1, 2}) {
     std::filesystem::remove(Path("w/cleaned"));
     std::filesystem::remove(Path("w/pid_5_1"));

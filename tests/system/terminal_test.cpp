@@ -37,7 +37,7 @@ class TerminalTest : public HostTest {
 
   // On a narrow terminal, while a tool runs that cleans up when it is told to end.
   void PressCtrlC(int presses) {
-    Write("w/behave/5_1", "trap 'sleep 0.5; echo cleaned >cleaned; exit 1' TERM\n" + std::string(sleeper));
+    Write("w/behave/5_1", "trap 'sleep 0.7; echo cleaned >cleaned; exit 1' TERM\n" + std::string(sleeper));
     Open(30);
     Start({"--jobs", "1", "--toolchain", "tools", "--chdir", "w", "top"});
     ASSERT_TRUE(WaitFor("w/pid_5_1"));

@@ -46,14 +46,18 @@ class ToolchainTest : public ::testing::Test {
 
   static void Write(const std::string& name, const std::string& text) { std::ofstream(name) << text; }
 
+  static Outcome Run(const std::string& program, const std::vector<std::string>& arguments,
+                     const std::string& engine = {}) {
+    return toolchain::Run({.program = TOOL_FOLDER + program,
+                           .arguments = arguments,
+                           .folder = {},
+                           .environment = {{"VOSTRAND_ENGINE", engine}},
+                           .time_limit = std::chrono::seconds(100)});
+  }
   // Runs a program of the tool chain; its output must hold `text`.
   static void Expect(int exit_code, const std::string& text, const std::string& program,
                      const std::vector<std::string>& arguments, const std::string& engine = {}) {
-    const Outcome outcome = toolchain::Run({.program = TOOL_FOLDER + program,
-                                            .arguments = arguments,
-                                            .folder = {},
-                                            .environment = {{"VOSTRAND_ENGINE", engine}},
-                                            .time_limit = std::chrono::seconds(100)});
+    const Outcome outcome = Run(program, arguments, engine);
     EXPECT_EQ(outcome.exit_code, exit_code) << program << ": " << outcome.output;
     EXPECT_NE(outcome.output.find(text), std::string::npos) << program << ": " << outcome.output;
   }
@@ -216,15 +220,22 @@ TEST_F(ToolchainTest, AnUnroutableDesignEnds) {
   const std::string wide = "SINGLES, QUADS = 8, 6";
   ASSERT_NE(fabric.find(wide), std::string::npos);
   Write("narrow/fabric.py", fabric.replace(fabric.find(wide), wide.size(), "SINGLES, QUADS = 2, 2"));
-  Expect(5, "not routed within 8 s (-i 1): after ", "par",
-         {"-l", "1", "-i", "1", "map.ncd", "u.dir", example + "two_clock.prf"}, "narrow");
+  const auto route = [](const char* units) {
+    return Run("par", {"-l", "1", "-i", units, "map.ncd", "u.dir", example + "two_clock.prf"}, "narrow");
+  };
+  Outcome outcome = route("1");
+  if (outcome.output.find("routing had not begun") != std::string::npos)
+    outcome = route("8");  // A busy machine.
+  EXPECT_EQ(outcome.exit_code, 5);
+  EXPECT_NE(outcome.output.find("): after "), std::string::npos) << outcome.output;
+  EXPECT_NE(outcome.output.find("not routed within "), std::string::npos) << outcome.output;
   EXPECT_FALSE(fs::exists("u.dir"));
   EXPECT_FALSE(fs::exists("u.par"));
 }
 
 // The first child of a process, once it runs the program `name`.
 pid_t WaitForChild(pid_t parent, const std::string& name) {
-  for (int i = 0; i < 500; ++i) {
+  for (int i = 0; i < 3000; ++i) {
     pid_t child = 0;
     std::string running;
     std::ifstream(Format("/proc/%d/task/%d/children", parent, parent)) >> child;
@@ -236,7 +247,7 @@ pid_t WaitForChild(pid_t parent, const std::string& name) {
 }
 
 bool Ends(pid_t process) {
-  for (int i = 0; i < 200 && ::kill(process, 0) == 0; ++i)
+  for (int i = 0; i < 1000 && ::kill(process, 0) == 0; ++i)
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   return ::kill(process, 0) != 0;
 }

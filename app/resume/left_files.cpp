@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 
 namespace vostrand {
@@ -34,22 +35,20 @@ std::optional<KeptFile> LookAt(const std::string& path, const std::string& name)
   return file;
 }
 
-std::vector<std::string> FilesAt(const std::string& in_folder, const std::string& name) {
+std::optional<std::vector<std::string>> FilesAt(const std::string& folder, const std::string& name) {
   std::error_code error;
-  const fs::path folder(in_folder);
-  const fs::file_status status = fs::symlink_status(folder / name, error);
-  if (!fs::is_directory(status)) {
-    if (fs::is_regular_file(status) || fs::is_symlink(status)) return {name};
-    return {};
-  }
+  const fs::file_type type = fs::symlink_status(fs::path(folder) / name, error).type();
+  if (type == fs::file_type::none) return {};
+  if (type == fs::file_type::regular || type == fs::file_type::symlink) return std::vector{name};
   std::vector<std::string> files;
-  for (fs::recursive_directory_iterator entry(folder / name, error), end; !error && entry != end;
-       entry.increment(error))
-    if (!entry->is_directory(error) || entry->is_symlink(error))
-      files.push_back(name + "/" + fs::relative(entry->path().parent_path(), folder / name, error).string() +
-                      "/" + entry->path().filename().string());
-  for (std::string& file : files) file = fs::path(file).lexically_normal();
-  return files;
+  if (type != fs::file_type::directory) return files;
+  for (fs::directory_iterator entry(fs::path(folder) / name, error), end; !error && entry != end;
+       entry.increment(error)) {
+    const auto inner = FilesAt(folder, name + "/" + entry->path().filename().string());
+    if (!inner) return {};
+    files.insert(files.end(), inner->begin(), inner->end());
+  }
+  return error ? std::nullopt : std::optional(files);
 }
 
 void LeftFiles::On(const Event& event) {
@@ -60,17 +59,26 @@ void LeftFiles::On(const Event& event) {
 std::vector<std::size_t> LeftFiles::Changed() const {
   std::vector<std::size_t> changed;
   for (std::size_t run = 0; run < plan_.size(); ++run)
-    if (left_[run] && *left_[run] != Look(run)) changed.push_back(run);
+    if (const auto now = left_[run] ? Look(run) : std::nullopt; now && *now != *left_[run])
+      changed.push_back(run);
   return changed;
 }
 
-std::vector<KeptFile> LeftFiles::Look(std::size_t run) const {
+std::optional<std::vector<KeptFile>> LeftFiles::Look(std::size_t run) const {
   std::vector<KeptFile> files;
   const std::string& folder = plan_[run].results_folder;
   AskAgain(folder);
-  for (const std::string& result : plan_[run].results)
-    for (const std::string& name : FilesAt(folder, result))
-      if (const std::optional<KeptFile> file = LookAt(folder + "/" + name, name)) files.push_back(*file);
+  for (const std::string& result : plan_[run].results) {
+    const auto names = FilesAt(folder, result);
+    if (!names) return {};
+    for (const std::string& name : *names) {
+      const std::optional<KeptFile> file = LookAt(folder + "/" + name, name);
+      if (file)
+        files.push_back(*file);
+      else if (errno != ENOENT)
+        return {};
+    }
+  }
   std::sort(files.begin(), files.end(), [](const KeptFile& a, const KeptFile& b) { return a.name < b.name; });
   return files;
 }

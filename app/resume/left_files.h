@@ -14,11 +14,12 @@ namespace vostrand {
 /// folder makes it ask again. What is no folder is left alone.
 void AskAgain(const std::string& folder);
 
-/// A file as it lies there, a link as a link; nothing when there is none.
+/// A file as it lies there, a link as a link; nothing when there is none or errno says why it cannot be told.
 std::optional<KeptFile> LookAt(const std::string& path, const std::string& name);
 
-/// The files at `name` in the folder, which may be a folder itself; their names begin with `name`.
-std::vector<std::string> FilesAt(const std::string& folder, const std::string& name);
+/// The files and links at `name` in the folder, which may be a folder itself; their names begin with `name`.
+/// Nothing when not all of them can be told.
+std::optional<std::vector<std::string>> FilesAt(const std::string& folder, const std::string& name);
 
 /// Notes what each run has left when it ends, so that nothing that is written later, by a process that nobody
 /// could reach, passes for its result.
@@ -28,11 +29,11 @@ class LeftFiles final : public Observer {
   explicit LeftFiles(const std::vector<PlannedRun>& plan) : plan_(plan), left_(plan.size()) {}
 
   void On(const Event& event) override;
-  /// The finished runs whose files are not what they were.
+  /// The finished runs whose files are not what they were, as far as the disk tells.
   std::vector<std::size_t> Changed() const;
 
  private:
-  std::vector<KeptFile> Look(std::size_t run) const;
+  std::optional<std::vector<KeptFile>> Look(std::size_t run) const;
 
   const std::vector<PlannedRun>& plan_;
   std::vector<std::optional<std::vector<KeptFile>>> left_;

@@ -47,24 +47,6 @@ bool LinkOrCopy(const fs::path& from, const fs::path& to) {
   return !error;
 }
 
-// The files that are at `name`, a file or a folder; nothing when not all of them can be told.
-std::optional<std::vector<std::string>> AllFilesAt(const fs::path& folder, const std::string& name) {
-  std::error_code error;
-  const fs::file_type type = fs::symlink_status(folder / name, error).type();
-  std::vector<std::string> files;
-  if (type == fs::file_type::regular) files.push_back(name);
-  if (type == fs::file_type::none || type == fs::file_type::symlink)
-    return {};  // What it leads to may change.
-  if (type != fs::file_type::directory) return files;
-  for (fs::directory_iterator entry(folder / name, error), end; !error && entry != end;
-       entry.increment(error)) {
-    const auto inner = AllFilesAt(folder, name + "/" + entry->path().filename().string());
-    if (!inner) return {};
-    files.insert(files.end(), inner->begin(), inner->end());
-  }
-  return error ? std::nullopt : std::optional(files);
-}
-
 // The journal may say anything; only what the run may leave is touched.
 bool IsResultOf(const PlannedRun& run, const fs::path& name) {
   if (name.empty() || name != name.lexically_normal()) return false;
@@ -149,10 +131,13 @@ std::vector<KeptFile> SweepStore::Keep(const PlannedRun& run) const {
   Drop(run);
   std::vector<KeptFile> files;
   for (const std::string& result : run.results) {
-    const auto names = AllFilesAt(run.results_folder, result);
+    const auto names = FilesAt(run.results_folder, result);
     if (!names) return {};
     for (const std::string& name : *names) {
-      const bool linked = LinkOrCopy(fs::path(run.results_folder) / name, PathOf(name));
+      const fs::path left = fs::path(run.results_folder) / name;
+      std::error_code error;
+      if (fs::is_symlink(left, error) || error) return {};  // What a link leads to may change.
+      const bool linked = LinkOrCopy(left, PathOf(name));
       const std::optional<KeptFile> kept = linked ? LookAt(PathOf(name), name) : std::nullopt;
       if (!kept) return {};
       files.push_back(*kept);

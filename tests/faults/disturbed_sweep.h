@@ -71,6 +71,7 @@ class DisturbedSweepTest : public HostTest {
   void Check(int code) const {
     EXPECT_GE(code, 0) << "crashed or hung";
     EXPECT_TRUE(Inputs() == inputs_ || Inputs() == planned_) << "the user's own files have changed";
+    EXPECT_FALSE(Said("its files changed")) << "nobody has changed them";
     // A program that cannot be loaded has its own words.
     EXPECT_TRUE(code == 0 || Said("vostrand: ") || Said(" failed ") || Said("missing: ") || Said("rror"));
     EXPECT_TRUE(code != 0 || Results() == results_);

@@ -65,7 +65,7 @@ int DryRun(const std::vector<std::string>& tool_arguments, const std::string& wo
                 << ": planning writes it, and an absolute name has no copy in a scratch folder\n";
       return 2;
     }
-  const std::string refusal = WhyRunNamesAreRefused(files, work_dir);
+  const std::string refusal = WhyParCommandsAreRefused(files, work_dir);
   const QTemporaryDir scratch;
   if (!refusal.empty() || !scratch.isValid()) {
     const std::string no_scratch = "cannot make a scratch folder: " + scratch.errorString().toStdString();

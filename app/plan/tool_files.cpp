@@ -77,8 +77,11 @@ ToolFiles FilesOf(const std::vector<std::string>& tool_arguments) {
           *parser.getarg(0), value_of("-pr"),  value_of("-tpr")};
 }
 
-std::string WhyRunNamesAreRefused(const ToolFiles& files, const std::string& work_dir) {
+std::string WhyParCommandsAreRefused(const ToolFiles& files, const std::string& work_dir) {
+  if (files.par_commands.empty()) return {};
   const Asked asked = AskedBy(files, work_dir);
+  std::error_code error;
+  if (!asked.read_whole && std::filesystem::exists(asked.path, error)) return "cannot read " + asked.path;
   const std::string level = asked.level.getstring();
   if (level.size() > longest_level) return "the level in " + asked.path + " is too long for file names";
   if (FitsCommandLine(level) && level.find('/') == std::string::npos) return {};

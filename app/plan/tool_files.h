@@ -28,9 +28,10 @@ struct ToolFiles {
 /// The files of a command line in any of its three forms.
 ToolFiles FilesOf(const std::vector<std::string>& tool_arguments);
 
-/// Why the runs of this command line cannot be run: the level in the par command file makes run names with
-/// blanks, quotes or "/". Empty when they can. Changes nothing.
-std::string WhyRunNamesAreRefused(const ToolFiles& files, const std::string& work_dir);
+/// Why nothing can be run by the par command file: it is there and cannot be read, or its level makes run
+/// names with blanks, quotes or "/". Empty when something can; planning says when there is none. Changes
+/// nothing.
+std::string WhyParCommandsAreRefused(const ToolFiles& files, const std::string& work_dir);
 
 /// Whether the par command file asks for several runs.
 bool AsksForSeveral(const ToolFiles& files, const std::string& work_dir);

@@ -27,7 +27,7 @@ std::string TakeUpJobs(Sweep& sweep) {
 }  // namespace
 
 std::string WhyRefused(Sweep& sweep) {
-  std::string why = WhyRunNamesAreRefused(sweep.files, sweep.work_dir);
+  std::string why = WhyParCommandsAreRefused(sweep.files, sweep.work_dir);
   if (why.empty()) why = WhyFilesAreRefused(sweep.files, sweep.tool_arguments, sweep.work_dir);
   if (why.empty()) why = WhyRecordsAreRefused(sweep.result.options, sweep.files);
   if (why.empty()) why = sweep.launcher.Unusable();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 
 #include "ut/c_locale.h"
 
@@ -37,4 +38,8 @@ char* neoform(const char* format, ...) {
   text = ut_vformat(format, arguments);
   va_end(arguments);
   return text.data();
+}
+
+char* ut_strdup(const char* text) {
+  return ::strdup(text);
 }

@@ -11,3 +11,6 @@ std::string ut_vformat(const char* format, va_list arguments) __attribute__((for
 /// call; the caller never frees it. A thread that has called it keeps the library loaded until it ends, so
 /// nothing on the road of a tool run does.
 char* neoform(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+/// A copy of `text`, which must not be null; the caller gives it to `free`. Null when there is no memory.
+char* ut_strdup(const char* text);

@@ -1,5 +1,9 @@
 #include "context/messages.h"
 
+#include <pthread.h>
+
+#include <fstream>
+#include <iostream>
 #include <stdexcept>
 #include <thread>
 
@@ -80,6 +84,51 @@ struct ThrowingLogger final : orlo::kelpn::ILogger {
   void onStdout(const char*) override { throw std::runtime_error("disk full"); }
   void onStderr(const char*) override { throw 1; }
 };
+
+TEST_F(BoundaryTest, AStandardStreamThatThrowsDoesNotEndTheRun) {
+  Write("top.p2t", "-n 2 -t 1\n");
+  Write("top_map.ncd", "design");
+  VOSTRAND_CONTEXT record;
+  record.workDir = Root().c_str();
+  const char* arguments[] = {"vostrand", "top", nullptr};
+  const auto before = std::cout.exceptions();
+  std::ofstream full("/dev/full");
+  std::streambuf* const buffer = std::cout.rdbuf(full.rdbuf());
+  full.rdbuf()->pubsetbuf(nullptr, 0);
+  std::cout.exceptions(std::ios::badbit | std::ios::failbit);
+  EXPECT_EQ(vostrand_main(2, arguments, &record), 0);
+  EXPECT_EQ(record.seeds.size(), 2);
+  vostrand_exit(0, &record);
+  std::cout.exceptions(before);
+  std::cout.rdbuf(buffer);
+}
+
+struct CancellingLogger final : orlo::kelpn::ILogger {
+  void onStdout(const char*) override {
+    pthread_cancel(pthread_self());
+    pthread_testcancel();
+  }
+  void onStderr(const char*) override {}
+};
+
+TEST_F(BoundaryTest, ACancelledThreadComesBackFirst) {
+  bool came_back = false;
+  bool went_on = false;
+  std::thread([&] {
+    CancellingLogger logger;
+    VOSTRAND_CONTEXT record;
+    record.logger = &logger;
+    record.workDir = Root().c_str();
+    const char* arguments[] = {"vostrand", "top", nullptr};
+    vostrand_main(2, arguments, &record);
+    vostrand_exit(0, &record);
+    came_back = true;
+    pthread_testcancel();
+    went_on = true;
+  }).join();
+  EXPECT_TRUE(came_back);
+  EXPECT_FALSE(went_on);
+}
 
 TEST_F(BoundaryTest, KeepsTheLoggersExceptionsFromTheHost) {
   ThrowingLogger logger;

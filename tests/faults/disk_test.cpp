@@ -52,19 +52,20 @@ TEST_F(DiskTest, TheDiskIsFull) {
 }
 
 TEST_F(DiskTest, AFolderMayOnlyBeRead) {
-  std::string owners = ":";
+  std::string owners = ": ";
   Texts command = {VOSTRAND_PROGRAM};
-  fs::permissions(Root(), fs::perms(0755));
-  for (const std::string locked : {"w", "w/top.dir", "w/.vostrand"}) {
+  if (geteuid() == 0) {  // Whom no permission stops.
+    owners = "chown -R 65534 " + Root() + " && chown 0 ";
+    command = {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups", VOSTRAND_PROGRAM};
+  }
+  for (const auto& [locked, code] :
+       {std::pair<std::string, int>("w", 3), {"w/top.dir", 5}, {"w/.vostrand", 0}}) {
     Reset();
     Write(locked + "/old", "");
-    if (geteuid() == 0) {  // Whom no permission stops.
-      owners = "chown -R 65534 " + Path("w") + " && chown 0 " + Path(locked);
-      command = {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups", VOSTRAND_PROGRAM};
-    }
-    ASSERT_EQ(std::system(owners.c_str()), 0);
+    ASSERT_EQ(std::system((owners + Path(locked)).c_str()), 0);
     fs::permissions(Path(locked), fs::perms(0555));
-    Disturb(command, locked, [&] { fs::permissions(Path(locked), fs::perms(0755)); });
+    const std::string folder = Path(locked);
+    EXPECT_EQ(Disturb(command, locked, [&] { fs::permissions(folder, fs::perms(0755)); }), code);
   }
 }
 

@@ -212,6 +212,10 @@ TEST_F(HostTest, RefusesBeforeAnythingIsCreated) {
     EXPECT_EQ(Read(file), before);
   }
   EXPECT_EQ(Sweep({"--json", "a", "--junit", "./a"}), 2);
+  std::filesystem::create_directory(Path("w/odd.p2t"));
+  EXPECT_EQ(Run({"--chdir", "w", "odd"}), 2);
+  EXPECT_EQ(err, "vostrand: cannot read w/odd.p2t\n");
+  EXPECT_FALSE(Exists("w/odd.log"));
   Plan("-n 2 -l a/b");
   Write("w/top.dir/5_1.par", "kept");
   EXPECT_EQ(Sweep(), 2);

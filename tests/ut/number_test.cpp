@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <cstdlib>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -31,5 +33,8 @@ TEST(Number, FormattedTextMayComeFromItsOwnTarget) {
   EXPECT_STREQ(text.getstring(), "<x-x>%");
   EXPECT_EQ(text.str_format("%s.%.2f", name.c_str(), 1234.5).view(), name + ".1234.50");
   EXPECT_EQ(neoform("%s+%s", neoform("%.1f", -0.0), name.c_str()), "-0.0+" + name);
+  const std::unique_ptr<char, decltype(&std::free)> copy(ut_strdup(text.getstring()), std::free);
+  EXPECT_EQ(copy.get(), text.view());
+  EXPECT_NE(copy.get(), text.getstring());
   EXPECT_EQ(std::setlocale(LC_ALL, nullptr), locale);
 }

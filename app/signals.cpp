@@ -13,7 +13,11 @@ namespace {
 sigset_t Interrupts() {
   sigset_t set;
   sigemptyset(&set);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&set, signal);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction now = {};
+    // What the caller ignores stays ignored, as under nohup; a blocked one would arrive all the same.
+    if (sigaction(signal, nullptr, &now) != 0 || now.sa_handler != SIG_IGN) sigaddset(&set, signal);
+  }
   return set;
 }
 

@@ -6,7 +6,8 @@
 
 namespace vostrand {
 
-/// While it lives, SIGINT, SIGTERM and SIGHUP wait instead of ending the program.
+/// While it lives, SIGINT, SIGTERM and SIGHUP wait instead of ending the program, unless the
+/// caller has them ignored.
 class BlockedInterrupts {
  public:
   BlockedInterrupts();

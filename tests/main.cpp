@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <csignal>
 
 int main(int argc, char** argv) {
   std::setlocale(LC_ALL, "");
+  // Whoever runs the tests may ignore some, and with them every program started here.
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, SIG_DFL);
   testing::InitGoogleTest(&argc, argv);
   return RUN_ALL_TESTS();
 }

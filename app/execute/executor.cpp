@@ -97,7 +97,7 @@ bool Executor::HasMemory() {
   if (expected_peak_kib_ * (young + 1) <= hooks_.free_memory_kib()) return true;
   if (!waiting_for_memory_) {
     waiting_for_memory_ = true;
-    clock_.After(memory_check_seconds, [this] {
+    Later(memory_check_seconds, [this] {
       waiting_for_memory_ = false;
       StartRuns();
       FinishIfIdle();
@@ -244,9 +244,16 @@ void Executor::Stop(const std::string& why, std::size_t but_not) {
 }
 
 void Executor::EndWithin(std::size_t run, double seconds) {
-  clock_.After(seconds, [this, run] {
+  Later(seconds, [this, run] {
     const auto running = running_.find(run);
     if (running != running_.end() && !running->second.told_to_end) TellToEnd(running->second);
+  });
+}
+
+// The clock, and the event loop, may go on when all runs have ended and this object is gone.
+void Executor::Later(double seconds, std::function<void()> then) {
+  clock_.After(seconds, [alive = std::weak_ptr(alive_), then = std::move(then)] {
+    if (!alive.expired()) then();
   });
 }
 

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -87,6 +88,7 @@ class Executor {
   void StopIfRequested(std::size_t by_run);
   void EndWithin(std::size_t run, double seconds);
   void TellToEnd(Running& running);
+  void Later(double seconds, std::function<void()> then);
   void FinishIfIdle();
   Event About(Event::Kind kind, const Running& running) const;
   void Tell(Event event);
@@ -112,6 +114,7 @@ class Executor {
   bool cancelled_ = false;
   bool waiting_for_memory_ = false;
   bool finished_ = false;
+  std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);  // For what the clock calls later.
 };
 
 }  // namespace vostrand

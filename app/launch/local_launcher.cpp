@@ -78,7 +78,7 @@ LocalLauncher::LocalLauncher(std::string supervisor, std::string work_dir, ToolF
       timeout_seconds_(timeout_seconds) {
   // What a killed supervisor leaves behind becomes this process's, to be ended.
   prctl(PR_SET_CHILD_SUBREAPER, 1);
-  others_ = Children();
+  has_other_children_ = !Children().empty();
 }
 
 LocalLauncher::~LocalLauncher() {
@@ -183,10 +183,11 @@ void LocalLauncher::Heard(int id) {
 }
 
 // What a supervisor has left that was killed; what those have started in turn comes here when they end.
+// Where others had started processes in this one's name, nobody can tell what is theirs.
 void LocalLauncher::EndOrphans() const {
+  if (has_other_children_) return;
   const auto is_known = [this](pid_t child) {
-    return std::find(others_.begin(), others_.end(), child) != others_.end() ||
-           std::any_of(supervisors_.begin(), supervisors_.end(),
+    return std::any_of(supervisors_.begin(), supervisors_.end(),
                        [=](const auto& known) { return known.second.process == child; });
   };
   for (bool more = true; std::exchange(more, false);)

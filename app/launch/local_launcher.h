@@ -58,7 +58,7 @@ class LocalLauncher final : public Launcher {
   QObject queue_;  // Results that are known at once still arrive from the event loop.
   std::map<int, Supervisor> supervisors_;
   int next_id_ = 0;
-  std::vector<pid_t> others_;  // Children that whoever started this program left it.
+  bool has_other_children_ = false;  // That whoever became this program had started.
 };
 
 }  // namespace vostrand

@@ -63,21 +63,46 @@ std::string WhyLinksAreRefused(const ToolFiles& files, bool keeps_old_output, co
   return {};
 }
 
+bool IsSame(const fs::path& a, const fs::path& b) {
+  std::error_code error;
+  return fs::equivalent(a, b, error);
+}
+
+// At whatever depth.
+bool LiesIn(const fs::path& folder, const fs::path& file) {
+  std::error_code error;
+  for (fs::path above = fs::canonical(file, error); above.has_relative_path(); above = above.parent_path())
+    if (IsSame(above, folder)) return true;
+  return false;
+}
+
+// Inputs that planning or the report would write over.
+std::string WhyInputIsWritten(const ToolFiles& files, const std::string& input, const fs::path& work_dir) {
+  const fs::path file = work_dir / input;
+  for (const std::string& written : {files.log, files.report})
+    if (!written.empty() && IsSame(file, work_dir / written))
+      return input + " would be written over: it is named as " +
+             (written == files.log ? "the log, too" : "the report, too");
+  const std::string commands = work_dir / files.par_commands;
+  for (int i = 0; i < most_runs; ++i)
+    if (IsSame(file, commands + ".tmp" + std::to_string(i)))
+      return input + " would be written over by a copy of the par command file";
+  return {};
+}
+
 // Inputs where the result goes, or in the folder that planning empties.
 std::string WhyInputsAreRefused(const ToolFiles& files, bool keeps_old_output, const fs::path& work_dir) {
-  const auto same = [](const fs::path& a, const fs::path& b) {
-    std::error_code error;
-    return fs::equivalent(a, b, error);
-  };
   const std::string stem = work_dir / files.Stem();
   const std::string promoted = work_dir / fs::path(stem).filename();
   for (const std::string& input : files.Read()) {
     const fs::path file = work_dir / input;
-    if (input.empty() || same(file, stem + ".ncd")) continue;  // Named as the output, too.
+    if (input.empty()) continue;
+    if (const std::string why = WhyInputIsWritten(files, input, work_dir); !why.empty()) return why;
+    if (IsSame(file, stem + ".ncd")) continue;  // Named as the output, too.
     for (const std::string& base : {stem, promoted})
       for (const char* const extension : result_extensions)
-        if (same(file, base + extension)) return input + " would be written over by the result";
-    if (!keeps_old_output && same(file.parent_path(), stem + ".dir"))
+        if (IsSame(file, base + extension)) return input + " would be written over by the result";
+    if (!keeps_old_output && IsSame(file.parent_path(), stem + ".dir"))
       return input + " lies in the old output, which is removed";
   }
   return {};
@@ -117,12 +142,18 @@ std::string WhyFilesAreRefused(const ToolFiles& files, const std::vector<std::st
 
 std::string WhyLeftoversAreRefused(const ToolFiles& files, const std::vector<PlannedRun>& plan,
                                    const std::string& work_dir) {
-  std::error_code error;
-  for (const std::string& input : files.Read())
-    for (const PlannedRun& run : plan)
+  for (const std::string& input : files.Read()) {
+    if (input.empty()) continue;
+    const fs::path file = fs::path(work_dir) / input;
+    for (const PlannedRun& run : plan) {
+      // What a link leads to is not removed.
+      if (!run.leftover_folder.empty() && !IsLink(run.leftover_folder) && LiesIn(run.leftover_folder, file))
+        return input + " lies in the folder of run " + run.name + ", which is removed";
       for (const std::string& leftover : run.leftovers)
-        if (!input.empty() && fs::equivalent(fs::path(work_dir) / input, leftover, error))
+        if (IsSame(file, leftover))
           return input + " has the name of what run " + run.name + " leaves, and would be removed";
+    }
+  }
   return {};
 }
 

@@ -21,18 +21,22 @@ std::string WhyRecordsAreRefused(const HostOptions& options, const ToolFiles& fi
   const fs::path work_dir = options.work_dir.empty() ? "." : options.work_dir;
   std::map<fs::path, std::string> taken;
   for (const std::string& file : {files.par_commands, files.log, files.report, files.design,
-                                  files.preferences, files.trace_preferences})
+                                  files.preferences, files.trace_preferences, files.timing_commands})
     if (!file.empty()) taken[OneName(work_dir / file)] = "the sweep's own " + file;
-  const fs::path stem = fs::path(files.output).replace_extension();
-  for (const char* const extension : result_extensions)
-    taken[OneName(work_dir / (stem.string() + extension))] = "a result of the sweep";
-  const fs::path output_folder = OneName(work_dir / (stem.string() + ".dir"));
+  const std::string copies = OneName(work_dir / files.par_commands).string() + ".tmp";
+  const std::string stem = files.Stem();
+  for (const std::string& base :
+       {stem, fs::path(stem).filename().string()})  // Promoted to here from elsewhere.
+    for (const char* const extension : result_extensions)
+      taken[OneName(work_dir / (base + extension))] = "a result of the sweep";
+  const fs::path output_folder = OneName(work_dir / (stem + ".dir"));
 
   for (const std::string& file :
        {options.json_file, options.html_file, options.events_file, options.junit_file, options.trace_file}) {
     std::error_code error;
     if (file.empty() || (fs::exists(file, error) && !fs::is_regular_file(file, error))) continue;
     const fs::path name = OneName(file);
+    if (name.string().starts_with(copies)) return file + ": planning writes copies of the par commands there";
     if (name.parent_path() == output_folder) return file + ": planning empties this folder";
     const auto [at, free] = taken.try_emplace(name, "another record");
     if (!free) return file + " cannot be a record: it is " + at->second;

@@ -20,7 +20,8 @@ constexpr std::size_t longest_level = 235;  // Of the 255 bytes of a name, besid
 void NoHelp() {}
 
 ToolFiles OfBaseName(const std::string& base) {
-  return {base + ".p2t", base + ".log", base + ".csv", base + ".ncd", base + "_map.ncd", base + ".prf", ""};
+  return {
+      base + ".p2t", base + ".log", base + ".csv", base + ".ncd", base + "_map.ncd", base + ".prf", "", ""};
 }
 
 bool IsSwitch(const std::string& argument) {
@@ -73,8 +74,8 @@ ToolFiles FilesOf(const std::vector<std::string>& tool_arguments) {
     if (!given || given->count == 0) return {};
     return orlo::vostrand_lib::GetCleanFileName(given->values[0]).getstring();
   };
-  return {value_of("-p"),    value_of("-log"), value_of("-o"),  *parser.getarg(1),
-          *parser.getarg(0), value_of("-pr"),  value_of("-tpr")};
+  return {value_of("-p"),    value_of("-log"), value_of("-o"),   *parser.getarg(1),
+          *parser.getarg(0), value_of("-pr"),  value_of("-tpr"), value_of("-tf")};
 }
 
 std::string WhyParCommandsAreRefused(const ToolFiles& files, const std::string& work_dir) {

@@ -18,9 +18,12 @@ struct ToolFiles {
   std::string design;        ///< Looked at whether it can be read.
   std::string preferences;   ///< Read by the tools and the report.
   std::string trace_preferences;
+  std::string timing_commands;  ///< Read by the timing analyser.
 
   std::vector<std::string> Written() const { return {par_commands, log, report, output}; }
-  std::vector<std::string> Read() const { return {design, par_commands, preferences, trace_preferences}; }
+  std::vector<std::string> Read() const {
+    return {design, par_commands, preferences, trace_preferences, timing_commands};
+  }
   /// The output without ".ncd".
   std::string Stem() const { return output.ends_with(".ncd") ? output.substr(0, output.size() - 4) : output; }
 };

@@ -3,8 +3,9 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <utility>
+
+#include "result/modified.h"
 
 namespace vostrand {
 
@@ -63,8 +64,9 @@ bool FileHasher::Open(const std::string& path, FileRecord& record) {
   struct stat status = {};
   // Looked at first, since opening alone can wake who waits at the other end of a pipe.
   if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
-  const std::int64_t modified_ns = status.st_mtim.tv_sec * 1'000'000'000 + status.st_mtim.tv_nsec;
-  record.modified_ns = std::max(record.modified_ns, modified_ns);
+  const std::int64_t modified_ns = ModifiedNs(status);
+  if (part_ == 1 || modified_ns > record.modified_ns)
+    record.modified_ns = modified_ns;  // Of the parts the last.
   const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   return file >= 0 && file_.open(file, QFile::ReadOnly | QFile::Unbuffered, QFile::AutoCloseHandle);
 }

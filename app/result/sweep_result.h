@@ -13,7 +13,8 @@ namespace vostrand {
 
 /// A file as it was when it was looked at.
 struct FileRecord {
-  std::string role;  ///< "design", "preferences", "trace preferences", "par commands"; for a tool its name.
+  std::string role;  ///< "design", "preferences", "trace preferences", "par commands", "timing commands"; for
+                     ///< a tool its name.
   std::string path;
   std::int64_t size = 0;         ///< Bytes; -1 when there is no such file.
   std::int64_t modified_ns = 0;  ///< Since the epoch.

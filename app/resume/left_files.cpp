@@ -8,6 +8,8 @@
 #include <cerrno>
 #include <filesystem>
 
+#include "result/modified.h"
+
 namespace vostrand {
 
 namespace fs = std::filesystem;
@@ -31,7 +33,7 @@ std::optional<KeptFile> LookAt(const std::string& path, const std::string& name)
   KeptFile file;
   file.name = name;
   file.size = status.st_size;
-  file.modified_ns = status.st_mtim.tv_sec * 1'000'000'000LL + status.st_mtim.tv_nsec;
+  file.modified_ns = ModifiedNs(status);
   return file;
 }
 

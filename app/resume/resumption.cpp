@@ -21,6 +21,12 @@ void MoveBeforeNow(std::map<std::string, KeptRun>& runs) {
   }
 }
 
+// The journal may say anything.
+bool CanBeOf(const PlannedRun& run, const RunRecord& record) {
+  return std::all_of(record.tries.begin(), record.tries.end(),
+                     [&](const TryRecord& attempt) { return attempt.step < run.steps.size(); });
+}
+
 // The journal is text: bytes of a name that are none have been replaced there.
 std::string InJournal(const std::string& name) {
   return QString::fromStdString(name).toStdString();
@@ -49,7 +55,7 @@ std::size_t Resumption::Restore(std::vector<PlannedRun>& plan, std::vector<std::
     PlannedRun& run = plan[i];
     const auto found = earlier_.find(InJournal(run.name));
     run.restored = found != earlier_.end() && found->second.identity == identities_[i] &&
-                   store_.Restore(run, found->second);
+                   CanBeOf(run, found->second.record) && store_.Restore(run, found->second);
     if (!run.restored && found != earlier_.end()) ++changed;
     if (!run.restored) continue;
     restored.push_back(&run);

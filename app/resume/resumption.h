@@ -14,8 +14,8 @@ namespace vostrand {
 class Resumption {
  public:
   Resumption(const std::string& work_dir, const std::vector<std::string>& tool_arguments,
-             const std::string& output)
-      : store_(work_dir, tool_arguments, output) {}
+             const std::string& output_stem)
+      : store_(work_dir, tool_arguments, output_stem) {}
 
   /// In front of planning: locks the sweep's state. Returns why that failed, or nothing. Without its state a
   /// sweep runs all the same, unless another has it.

@@ -53,6 +53,7 @@ std::string RunIdentity(const PlannedRun& run, const std::string& work_dir,
     identity.Add(file.role);
     identity.Add(file.path);
     identity.Add(file.sha256);
+    if (file.sha256.empty()) identity.Add(file.modified_ns);  // It cannot be read by us.
   }
   for (const FileRecord& tool : tools) {
     identity.Add(tool.path);

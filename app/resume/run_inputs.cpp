@@ -6,6 +6,7 @@
 #include <set>
 
 #include "plan/tool_files.h"
+#include "result/modified.h"
 
 namespace vostrand {
 
@@ -17,6 +18,7 @@ std::vector<FileRecord> InputFiles(const LibraryRun& library,
       {"par commands", files.par_commands},
       {"preferences", library.Info().prefFile.getstring()},
       {"trace preferences", library.Info().tracePrefFile.getstring()},
+      {"timing commands", files.timing_commands},
   };
   std::vector<FileRecord> inputs;
   for (const auto& [role, name] : named) {
@@ -48,10 +50,8 @@ std::string ChangedFile(const std::vector<FileRecord>& files) {
   for (const FileRecord& file : files) {
     struct stat now;
     const bool there = stat(file.path.c_str(), &now) == 0 && S_ISREG(now.st_mode);
-    if (there != (file.size >= 0)) return file.path;
-    if (there && (now.st_size != file.size ||
-                  now.st_mtim.tv_sec * 1'000'000'000LL + now.st_mtim.tv_nsec != file.modified_ns))
-      return file.path;
+    if ((there ? ModifiedNs(now) : 0) != file.modified_ns) return file.path;
+    if (file.size >= 0 && (!there || now.st_size != file.size)) return file.path;  // Others cannot be read.
   }
   return {};
 }

@@ -56,10 +56,10 @@ bool IsResultOf(const PlannedRun& run, const fs::path& name) {
 }  // namespace
 
 SweepStore::SweepStore(const std::string& work_dir, const std::vector<std::string>& tool_arguments,
-                       const std::string& output)
+                       const std::string& output_stem)
     : folder_(work_dir + "/.vostrand/" + HashOf(tool_arguments)) {
-  const fs::path path = fs::absolute(fs::path(work_dir) / output).lexically_normal();
-  lock_file_ = work_dir + "/.vostrand/" + HashOf({(path.parent_path() / path.stem()).string()}) + ".lock";
+  const fs::path path = fs::path(work_dir) / output_stem;
+  lock_file_ = (path.parent_path() / ".vostrand" / (HashOf({path.filename().string()}) + ".lock")).string();
 }
 
 SweepStore::~SweepStore() {
@@ -70,7 +70,7 @@ SweepStore::~SweepStore() {
     fs::remove(folder_ + "/lock", error);
     fs::remove(folder_, error);
     fs::remove(lock_file_, error);
-    fs::remove(fs::path(folder_).parent_path(), error);
+    for (const std::string& made : {folder_, lock_file_}) fs::remove(fs::path(made).parent_path(), error);
   }
   close(lock_);
 }
@@ -100,16 +100,20 @@ std::string SweepStore::Open() {
     if (fs::is_symlink(own, error)) fs::remove(own, error);
   fs::create_directories(folder_, error);
   if (error) return "cannot make " + folder_ + ": " + error.message();
+  fs::create_directories(fs::path(lock_file_).parent_path(), error);
   const auto give_up = std::chrono::steady_clock::now() + patience;
   while (const int failure = TryLock()) {
     if (failure != EWOULDBLOCK) return "cannot lock " + lock_file_ + ": " + std::strerror(failure);
     taken_ = std::chrono::steady_clock::now() >= give_up;
     if (taken_) return "another vostrand is at work on this output";
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    fs::create_directories(folder_, error);
+    for (const std::string& used : {folder_, lock_file_.substr(0, lock_file_.rfind('/'))})
+      fs::create_directories(used, error);
   }
   fs::remove(folder_ + "/lock", error);
   fs::create_hard_link(lock_file_, folder_ + "/lock", error);
+  if (error)
+    fs::create_symlink(fs::absolute(lock_file_), folder_ + "/lock", error);  // On another file system.
   return {};
 }
 

@@ -13,16 +13,17 @@ namespace vostrand {
 /// opened, so the name depends on nothing that planning decides.
 class SweepStore {
  public:
-  /// `output` is what the arguments name as output, relative to `work_dir`.
+  /// `output_stem` is what the arguments name as output, without ".ncd", relative to `work_dir`.
   SweepStore(const std::string& work_dir, const std::vector<std::string>& tool_arguments,
-             const std::string& output);
+             const std::string& output_stem);
   ~SweepStore();
   SweepStore(const SweepStore&) = delete;
   SweepStore& operator=(const SweepStore&) = delete;
 
   /// Makes the folder and locks it against a second sweep with the same output, as long as this object or a
   /// process with the open lock file lives: what a killed sweep had running may need a moment to end, and is
-  /// waited for that long. The lock is a file beside the folder, and in it as "lock". Returns why that
+  /// waited for that long. The lock is a file in ".vostrand" beside
+  /// the output, whatever name its folder goes by, and in the folder as "lock". Returns why that
   /// failed, or nothing.
   std::string Open();
   /// The open lock file; -1 when there is none.

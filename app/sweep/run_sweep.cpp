@@ -13,6 +13,7 @@
 #include "plan/planned_runs.h"
 #include "records/write_records.h"
 #include "result/file_hasher.h"
+#include "result/modified.h"
 #include "result/promotion_check.h"
 #include "result/report_runs.h"
 #include "result/retain.h"
@@ -85,8 +86,7 @@ std::optional<int> Plan(Sweep& sweep) {
     return cannot_be_run;
   }
   sweep.result.runs.resize(sweep.plan.size());
-  if (struct stat old; stat(sweep.library.OutputPath().c_str(), &old) == 0)
-    sweep.old_ns = old.st_mtim.tv_sec * 1'000'000'000LL + old.st_mtim.tv_nsec;
+  if (struct stat old; stat(sweep.library.OutputPath().c_str(), &old) == 0) sweep.old_ns = ModifiedNs(old);
   if (sweep.result.options.jobs == 0)
     sweep.result.options.jobs = std::max(1, static_cast<int>(sweep.plan.size()));
   return {};

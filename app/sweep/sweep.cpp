@@ -33,7 +33,7 @@ Sweep::Sweep(const HostOptions& options, const std::vector<std::string>& argumen
       library(options.work_dir, options.verbose),
       tools(options.toolchain, work_dir, own_folder),
       launcher(own_folder + "/vostrand-step", work_dir, tools, options.timeout_seconds),
-      resumption(work_dir, tool_arguments, files.output) {
+      resumption(work_dir, tool_arguments, files.Stem()) {
   result.program_version = VOSTRAND_VERSION;
   result.host_name = QSysInfo::machineHostName().toStdString();
   result.work_dir = std::filesystem::canonical(work_dir);

@@ -207,6 +207,19 @@ TEST_F(ExecutorTest, StopNowEndsTheOthersButThoseAboutToEnd) {
   EXPECT_EQ(launcher.cancels, "4 2 3 ") << "what was let go on is ended when the grace is over";
 }
 
+TEST_F(ExecutorTest, MayBeGoneBeforeTheGraceIsOver) {
+  stop_by = 1;
+  limits.stop_now = true;
+  limits.grace_seconds = 50;
+  Make(3);
+  clock.Pass(10);
+  EndRun("0");
+  launcher.End("par1");
+  executor.reset();
+  clock.Pass(100);
+  EXPECT_EQ(launcher.cancels, "");
+}
+
 TEST_F(ExecutorTest, TheUsersFirstInterruptDoesNotCutShortWhatIsEnding) {
   stop_by = 1;
   limits.stop_now = true;

@@ -8,8 +8,10 @@
 #include <set>
 
 #include "common/scratch.h"
+#include "common/unprivileged.h"
 #include "result/retain.h"
 #include "results/promotion.h"
+#include "resume/run_inputs.h"
 
 using namespace vostrand;
 namespace fs = std::filesystem;
@@ -85,6 +87,19 @@ TEST_F(PromotionTest, HashesPieceByPieceAndCanBeCancelled) {
     EXPECT_EQ(found[1].size, -1);
     EXPECT_EQ(found[2].sha256.empty(), turns == 3);
   }
+  EXPECT_EQ(ChangedFile(found), "");
+  fs::permissions(Root(), fs::perms(0755));
+  fs::permissions(files[0].path, fs::perms(0111));  // As a tool may be.
+  {
+    const Unprivileged unprivileged;
+    hasher.Start({files[0]}, [&](std::vector<FileRecord> records) { found = std::move(records); });
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+  }
+  EXPECT_EQ(found[0].size, -1);
+  EXPECT_EQ(ChangedFile(found), "");
+  Write("abc", "abc");
+  EXPECT_EQ(ChangedFile(found), files[0].path);
   PromotionReport report;
   CheckPromotion(hasher, promotion_, [&](const PromotionReport& checked) { report = checked; });
   hasher.Cancel();

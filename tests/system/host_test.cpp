@@ -95,6 +95,16 @@ TEST_F(HostTest, InterruptedSweepReportsWhatFinishedAndLeavesNothingRunning) {
   EXPECT_EQ(CsvOrder(), "5_1 ");
 }
 
+TEST_F(HostTest, WhatTheCallerIgnoresStaysIgnored) {
+  Write("w/behave/5_2", "touch began; while [ ! -f go ]; do sleep 0.01; done\n");
+  process.setChildProcessModifier([] { signal(SIGHUP, SIG_IGN); });  // As nohup does.
+  Start({"--toolchain", "tools", "--chdir", "w", "top"});
+  ASSERT_TRUE(WaitFor("w/began"));
+  kill(static_cast<pid_t>(process.processId()), SIGHUP);
+  Write("w/go", "");
+  EXPECT_EQ(Wait(), 0) << err;
+}
+
 TEST_F(HostTest, GivesToolsTheirGraceUnlessAskedTwice) {
   Write("w/behave/5_1", "trap 'sleep 0.7; echo cleaned >cleaned; exit 1' TERM\n" + std::string(sleeper));
   for (const int signals : {1, 2}) {
@@ -158,6 +168,17 @@ TEST_F(HostTest, OneRunIsASingleDesignFile) {
 }
 
 TEST_F(HostTest, AnEarlierSweepsFilesAreNoResult) {
+  Plan("-l 5");
+  Script("tools/par", "exit 0\n");
+  Script("tools/sorv", "exit 0\n");
+  for (const std::string date : {"1965-01-01", "2300-01-01"}) {
+    Write("w/top.ncd", "old");
+    ASSERT_EQ(std::system(("touch -d " + date + " " + Path("w/top.ncd")).c_str()), 0);
+    EXPECT_EQ(Sweep(), 6) << date << out;
+  }
+}
+
+TEST_F(HostTest, AnEarlierSweepsRunsAreNoResult) {
   EXPECT_EQ(Sweep(), 0);
   std::this_thread::sleep_for(std::chrono::milliseconds(50));  // A file system's clock is coarse.
   Script("tools/par", "exit 0\n");
@@ -212,6 +233,10 @@ TEST_F(HostTest, RefusesBeforeAnythingIsCreated) {
     EXPECT_EQ(Read(file), before);
   }
   EXPECT_EQ(Sweep({"--json", "a", "--junit", "./a"}), 2);
+  EXPECT_EQ(Sweep({"--events", "w/top.p2t.tmp0"}), 2);
+  EXPECT_EQ(Run({"--json", "w/top.twr", "--chdir", "w", "-p", "top.p2t", "-log", "top.log", "-o", "top.csv",
+                 "-pr", "top.prf", "top_map.ncd", "../top.ncd"}),
+            2);
   std::filesystem::create_directory(Path("w/odd.p2t"));
   EXPECT_EQ(Run({"--chdir", "w", "odd"}), 2);
   EXPECT_EQ(err, "vostrand: cannot read w/odd.p2t\n");

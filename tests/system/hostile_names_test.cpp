@@ -232,11 +232,16 @@ TEST_F(HostileNames, NoInputIsWrittenOverOrRemoved) {
       {"top.ncd", {}, {{"design", "top.ncd"}, {"output", "sub/top.ncd"}}},
       {"top.par", {}, {{"-p", "top.par"}}},
       {"top.dir/d.ncd", {"-rem"}, {{"design", "top.dir/d.ncd"}}},
-      {"top.dir/5_3.ncd", {}, {{"design", "top.dir/5_3.ncd"}}}};
+      {"top.dir/5_3.ncd", {}, {{"design", "top.dir/5_3.ncd"}}},
+      {"top.dir/5_3.dir/d.ncd", {}, {{"design", "top.dir/5_3.dir/d.ncd"}}},
+      {"top.dir/d.tf", {"-rem"}, {{"-tf", "top.dir/d.tf"}}},
+      {"d.ncd", {}, {{"design", "d.ncd"}, {"-o", "d.ncd"}}},
+      {"d.tf", {}, {{"-tf", "d.tf"}, {"-log", "./d.tf"}}},
+      {"top.p2t.tmp1", {}, {{"-tpr", "top.p2t.tmp1"}}}};
   for (const auto& [input, options, named] : cases) {
     FreshFolder();
     fs::create_directories(Path("v/sub"));
-    fs::create_directories(Path("v/top.dir"));
+    fs::create_directories(Path("v/top.dir/5_3.dir"));
     fs::copy_file(Path(input == "top.par" ? "w/top.p2t" : "w/top_map.ncd"), Path("v/" + input));
     EXPECT_EQ(RunRaw(FullForm(options, named)), 2) << input << out << err;
     EXPECT_EQ(Read("v/" + input).substr(0, 6), input == "top.par" ? "-n 2 -" : "design") << input;

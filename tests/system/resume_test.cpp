@@ -94,6 +94,26 @@ TEST_F(ResumeTest, RunsAgainWhatItCannotTrust) {
   EXPECT_FALSE(Exists("w/outside"));
 }
 
+TEST_F(ResumeTest, TheTimingCommandsBelongToARun) {
+  CountStarts();
+  Script("tools/sorv", "while [ \"$1\" != -o ]; do shift; done\ncp \"prepared/${2##*/}\" \"$2\"\n");
+  Write("w/timing", "-v 1\n");
+  ASSERT_EQ(std::system(("touch -d 1965-01-01 " + Path("w/top_map.ncd")).c_str()), 0);
+  const std::vector<std::string> arguments = {"-p",  "top.p2t", "-log", "top.log", "-o",          "top.csv",
+                                              "-pr", "top.prf", "-tf",  "timing",  "top_map.ncd", "top.ncd"};
+  const auto sweep = [&](std::vector<std::string> options) {
+    options.insert(options.end(), {"--toolchain", "tools", "--chdir", "w"});
+    options.insert(options.end(), arguments.begin(), arguments.end());
+    return Run(options);
+  };
+  EXPECT_EQ(sweep({}), 0) << err;
+  EXPECT_EQ(sweep({"--resume"}), 0) << err;
+  EXPECT_EQ(Starts(), "1 1 1 1 ");
+  Write("w/timing", "-v 2\n");
+  EXPECT_EQ(sweep({"--resume"}), 0) << err;
+  EXPECT_EQ(Starts(), "2 2 2 2 ");
+}
+
 TEST_F(ResumeTest, FindsAStopAgain) {
   Plan("-n 4 -t 1 -stopzero");
   CountStarts();
@@ -155,6 +175,13 @@ TEST_F(ResumeTest, TwoSweepsOfOneDesignDoNotMeet) {
   QProcess second;
   second.setWorkingDirectory(QString::fromStdString(Root()));
   second.start(VOSTRAND_PROGRAM, {"--toolchain", "tools", "--chdir", "w", "top", "-dissorv"});
+  EXPECT_TRUE(second.waitForFinished());
+  EXPECT_EQ(second.exitCode(), 2);
+  EXPECT_TRUE(second.readAllStandardError().contains("another vostrand is at work on this output"));
+  // By another name, from another folder.
+  std::filesystem::create_directory_symlink("w", Path("linked"));
+  second.start(VOSTRAND_PROGRAM, {"--chdir", "linked", "-p", "top.p2t", "-log", "other.log", "-o",
+                                  "other.csv", "-pr", "top.prf", "top_map.ncd", "../w/top"});
   EXPECT_TRUE(second.waitForFinished());
   EXPECT_EQ(second.exitCode(), 2);
   EXPECT_TRUE(second.readAllStandardError().contains("another vostrand is at work on this output"));

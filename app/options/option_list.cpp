@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <charconv>
 #include <filesystem>
 #include <optional>
 
@@ -17,6 +18,8 @@ struct HelpFormatter final : CLI::Formatter {
 };
 
 using Parser = CLI::App;
+
+constexpr int most = 10000;  // Of anything that is counted.
 
 void AddDuration(Parser& parser, const std::string& name, double& seconds, double least,
                  const std::string& help, const std::string& group) {
@@ -41,10 +44,15 @@ void AddSize(Parser& parser, const std::string& name, std::int64_t& bytes, const
 
 CLI::Option* AddNumber(Parser& parser, const std::string& name, int& number, int least,
                        const std::string& help, const std::string& group) {
-  return parser.add_option(name, number, help)
-      ->option_text("N")
-      ->check(CLI::Range(least, 10000).description(""))
-      ->group(group);
+  const auto take = [name, least, &number](const std::string& text) {
+    int read = 0;  // Decimal whatever its first digits are.
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), read);
+    if (error != std::errc() || end != text.data() + text.size() || read < least || read > most)
+      throw CLI::ValidationError(name, "needs a whole number from " + std::to_string(least) + " to " +
+                                           std::to_string(most) + ", not " + text);
+    number = read;
+  };
+  return parser.add_option_function<std::string>(name, take, help)->option_text("N")->group(group);
 }
 
 void AddFolder(Parser& parser, const std::string& name, std::string& folder, const std::string& help) {

@@ -27,7 +27,7 @@ Axis::Axis(const std::vector<double>& values, double from, double to, Scale scal
   if (scale != Scale::tight || finite.empty()) finite.push_back(0);
   const auto [low, high] = std::minmax_element(finite.begin(), finite.end());
   low_ = *low;
-  high_ = *high > low_ ? *high : low_ + 1;
+  high_ = *high > low_ ? *high : low_ + std::max(1.0, std::abs(low_) * 1e-6);
   if (scale != Scale::outliers) return;
   for (double& value : finite) value = std::abs(value);
   std::sort(finite.begin(), finite.end());
@@ -48,8 +48,9 @@ std::vector<Axis::Tick> Axis::Ticks(int most) const {
   std::vector<Tick> ticks;
   if (unit_ == 0) {
     const double step = RoundStep(high_ - low_, most);
-    for (double i = std::ceil(low_ / step - 1e-9); i <= high_ / step + 1e-9; ++i)
-      ticks.push_back(TickAt(i * step, step));
+    const double first = std::ceil(low_ / step - 1e-9);
+    for (int i = 0; i <= most && first + i <= high_ / step + 1e-9; ++i)
+      ticks.push_back(TickAt((first + i) * step, step));
     return ticks;
   }
   ticks.push_back({0, "0"});

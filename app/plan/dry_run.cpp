@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "observe/harmless.h"
+#include "plan/file_guard.h"
 #include "plan/library_run.h"
 #include "plan/tool_files.h"
 
@@ -65,7 +66,8 @@ int DryRun(const std::vector<std::string>& tool_arguments, const std::string& wo
                 << ": planning writes it, and an absolute name has no copy in a scratch folder\n";
       return 2;
     }
-  const std::string refusal = WhyParCommandsAreRefused(files, work_dir);
+  std::string refusal = WhyParCommandsAreRefused(files, work_dir);
+  if (refusal.empty()) refusal = WhyFilesAreRefused(files, tool_arguments, work_dir.empty() ? "." : work_dir);
   const QTemporaryDir scratch;
   if (!refusal.empty() || !scratch.isValid()) {
     const std::string no_scratch = "cannot make a scratch folder: " + scratch.errorString().toStdString();

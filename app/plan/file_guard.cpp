@@ -93,7 +93,9 @@ std::string WhyInputIsWritten(const ToolFiles& files, const std::string& input, 
 // Inputs where the result goes, or in the folder that planning empties.
 std::string WhyInputsAreRefused(const ToolFiles& files, bool keeps_old_output, const fs::path& work_dir) {
   const std::string stem = work_dir / files.Stem();
-  const std::string promoted = work_dir / fs::path(stem).filename();
+  // One run's result is where the tools write it.
+  const bool promotes = AsksForSeveral(files, work_dir);
+  const std::string promoted = promotes ? (work_dir / fs::path(stem).filename()).string() : stem;
   for (const std::string& input : files.Read()) {
     const fs::path file = work_dir / input;
     if (input.empty()) continue;

@@ -25,8 +25,8 @@ std::string WhyRecordsAreRefused(const HostOptions& options, const ToolFiles& fi
     if (!file.empty()) taken[OneName(work_dir / file)] = "the sweep's own " + file;
   const std::string copies = OneName(work_dir / files.par_commands).string() + ".tmp";
   const std::string stem = files.Stem();
-  for (const std::string& base :
-       {stem, fs::path(stem).filename().string()})  // Promoted to here from elsewhere.
+  const bool promotes = AsksForSeveral(files, work_dir);  // To here from elsewhere.
+  for (const std::string& base : {stem, promotes ? fs::path(stem).filename().string() : stem})
     for (const char* const extension : result_extensions)
       taken[OneName(work_dir / (base + extension))] = "a result of the sweep";
   const fs::path output_folder = OneName(work_dir / (stem + ".dir"));

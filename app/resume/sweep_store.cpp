@@ -60,6 +60,9 @@ SweepStore::SweepStore(const std::string& work_dir, const std::vector<std::strin
     : folder_(work_dir + "/.vostrand/" + HashOf(tool_arguments)) {
   const fs::path path = fs::path(work_dir) / output_stem;
   lock_file_ = (path.parent_path() / ".vostrand" / (HashOf({path.filename().string()}) + ".lock")).string();
+  std::error_code error;
+  const fs::path folder = fs::weakly_canonical(fs::absolute(path.parent_path(), error), error);
+  own_lock_file_ = work_dir + "/.vostrand/" + HashOf({(folder / path.filename()).string()}) + ".lock";
 }
 
 SweepStore::~SweepStore() {
@@ -93,6 +96,16 @@ int SweepStore::TryLock() {
   return error;
 }
 
+// The folders too: a sweep that leaves at this moment may remove them.
+int SweepStore::MakeAndLock() {
+  std::error_code error;
+  for (const fs::path& used : {fs::path(folder_), fs::path(lock_file_).parent_path()}) {
+    fs::create_directories(used, error);
+    if (error) return error.value();
+  }
+  return TryLock();
+}
+
 std::string SweepStore::Open() {
   std::error_code error;
   // What they would lead to is not ours to be emptied.
@@ -100,15 +113,18 @@ std::string SweepStore::Open() {
     if (fs::is_symlink(own, error)) fs::remove(own, error);
   fs::create_directories(folder_, error);
   if (error) return "cannot make " + folder_ + ": " + error.message();
-  fs::create_directories(fs::path(lock_file_).parent_path(), error);
   const auto give_up = std::chrono::steady_clock::now() + patience;
-  while (const int failure = TryLock()) {
-    if (failure != EWOULDBLOCK) return "cannot lock " + lock_file_ + ": " + std::strerror(failure);
-    taken_ = std::chrono::steady_clock::now() >= give_up;
+  while (const int failure = MakeAndLock()) {
+    const bool late = std::chrono::steady_clock::now() >= give_up;
+    const bool not_ours = failure == EACCES || failure == EPERM || failure == EROFS;
+    taken_ = failure == EWOULDBLOCK && late;
     if (taken_) return "another vostrand is at work on this output";
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    for (const std::string& used : {folder_, lock_file_.substr(0, lock_file_.rfind('/'))})
-      fs::create_directories(used, error);
+    if (not_ours && lock_file_ != own_lock_file_)
+      lock_file_ = own_lock_file_;
+    else if (late || (failure != EWOULDBLOCK && failure != ENOENT))
+      return "cannot lock " + lock_file_ + ": " + std::strerror(failure);
+    else
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
   }
   fs::remove(folder_ + "/lock", error);
   fs::create_hard_link(lock_file_, folder_ + "/lock", error);

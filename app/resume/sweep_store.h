@@ -23,7 +23,8 @@ class SweepStore {
   /// Makes the folder and locks it against a second sweep with the same output, as long as this object or a
   /// process with the open lock file lives: what a killed sweep had running may need a moment to end, and is
   /// waited for that long. The lock is a file in ".vostrand" beside
-  /// the output, whatever name its folder goes by, and in the folder as "lock". Returns why that
+  /// the output, whatever name its folder goes by, or beside the folder where that may not be written; and
+  /// in the folder as "lock". Returns why that
   /// failed, or nothing.
   std::string Open();
   /// The open lock file; -1 when there is none.
@@ -47,12 +48,14 @@ class SweepStore {
   void Clear() const;
 
  private:
+  int MakeAndLock();
   int TryLock();
   void Drop(const PlannedRun& run) const;
   std::string PathOf(const std::string& name) const { return folder_ + "/files/" + name; }
 
   std::string folder_;
   std::string lock_file_;
+  std::string own_lock_file_;  // In its place where others do not let us write.
   int lock_ = -1;
   bool taken_ = false;
 };

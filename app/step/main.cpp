@@ -61,7 +61,9 @@ int run_one(const Options& options) {
   // A host on this machine would not outlive the machine; one that finds the outcome by a lease may be on
   // another.
   const bool to_disk = !options.command.lease_file.empty();
-  return WriteOutcome(options.outcome_file, outcome, to_disk) ? outcome.exit_code : cannot_write;
+  if (WriteOutcome(options.outcome_file, outcome, to_disk)) return outcome.exit_code;
+  std::fprintf(stderr, "vostrand-step: cannot write %s\n", options.outcome_file.c_str());
+  return cannot_write;
 }
 
 int serve(const Options& options) {

@@ -66,7 +66,7 @@ std::string PartText(const PreferenceScore* part) {
   if (!part) return Format("%9s%8s%7s", "-", "-", "-");
   const auto slack = static_cast<double>(part->slack_ns), factor = static_cast<double>(part->factor);
   const std::string by = slack < 0 ? Format("p%.4g", 0 - factor) : Format("w%.4g", factor);
-  return Format("%9.3f%8.3f%c%6s", static_cast<double>(part->contribution), slack,
+  return Format(" %8.3f %7.3f%c%6s", static_cast<double>(part->contribution), slack,
                 part->carried_over ? '*' : ' ', std::abs(slack) > 0.001 ? by.c_str() : "0");
 }
 
@@ -77,7 +77,7 @@ std::string PreferencesText(const Runs& runs, const std::vector<Row>& rows, std:
   bool carried = false;
   for (const RunResult* run : runs) {
     text += Format("%9s%8s%7s", Shown(run->record.name, 8).c_str(), "slack", "by");
-    total += Format("%9.3f%15s", ScoreOf(run), "");
+    total += Format(" %8.3f%15s", ScoreOf(run), "");
     for (const PreferenceScore& part : run->preferences) carried |= part.carried_over;
   }
   text += "  preference\n";

@@ -45,7 +45,9 @@ std::string StatusText(const std::string& journal, bool locked, double now, cons
   };
   EventHeader header;
   if (!FromJson(next(), header) || header.format != "vostrand-journal") return {};
-  SweepState state(header.runs, header.steps, static_cast<std::size_t>(std::max(header.jobs, 1)));
+  const int most_jobs = std::max(static_cast<int>(header.runs.size()), 1);  // The file may say anything.
+  SweepState state(header.runs, header.steps,
+                   static_cast<std::size_t>(std::clamp(header.jobs, 1, most_jobs)));
   Event event(Event::Kind::sweep_started);
   double seconds = 0;
   bool ended = false;

@@ -19,6 +19,7 @@ TEST(HostOptions, StandInFrontOfTheToolArguments) {
   } cases[] = {
       {{"top"}, 0, {"top"}, ""},
       {{"--jobs", "4", "top", "-dissorv"}, 4, {"top", "-dissorv"}, ""},
+      {{"--jobs", "010", "top"}, 10, {"top"}, ""},
       {{"--jobs=4", "--verbose", "--", "--jobs", "x"}, 4, {"--jobs", "x"}, ""},
       {{"--gui", "-p", "a"}, 0, {"--gui", "-p", "a"}, ""},
       {{"-p", "a", "--log", "b"}, 0, {"-p", "a", "--log", "b"}, ""},
@@ -31,7 +32,7 @@ TEST(HostOptions, StandInFrontOfTheToolArguments) {
       {{"top", "--jobs", "4"}, 0, {}, "--jobs is a host option: it stands in front"},
       {{"--jobs"}, 0, {}, "--jobs"},
       {{"--jobs", "0", "top"}, 0, {}, "--jobs"},
-      {{"--jobs", "two", "top"}, 0, {}, "--jobs: Value two not in range"},
+      {{"--jobs", "two", "top"}, 0, {}, "--jobs: needs a whole number from 1 to 10000, not two"},
       {{"--chdir", "/no/such/folder", "top"}, 0, {}, "--chdir: Directory does not exist"},
       {{"--timeout", "5 minutes", "top"}, 0, {}, "--timeout: needs a duration such as 90s, 20m or 2h"},
       {{"--memory", "much", "top"}, 0, {}, "--memory: needs a size such as 512M or 4G, not much"},

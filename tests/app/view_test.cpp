@@ -112,4 +112,6 @@ TEST_F(Status, IsReplayedFromAJournal) {
   text += R"({"event":"sweep_finished","at_seconds":3})";
   EXPECT_TRUE(StatusText(text, false, 90, {}).ends_with("0:03\nfinished\n"));
   EXPECT_EQ(StatusText(text.substr(2), false, 90, {}), "");
+  const std::string many = R"("jobs":2000000000)";
+  EXPECT_EQ(StatusText(text.replace(text.find(R"("jobs":2)"), 8, many), true, 90, {}).substr(0, 3), "5_1");
 }

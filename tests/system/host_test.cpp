@@ -165,6 +165,12 @@ TEST_F(HostTest, OneRunIsASingleDesignFile) {
   EXPECT_NE(out.find(" no result\n"), std::string::npos) << out;
   EXPECT_NE(out.find("best: 5_1\n  w/top.ncd\n  w/top.twr\n"), std::string::npos) << out;
   EXPECT_EQ(Read("w/top.out"), "routing\n");
+  // Nothing is promoted, so that the design may have the result's name.
+  std::filesystem::create_directory(Path("w/out"));
+  EXPECT_EQ(Run({"--toolchain", "tools", "--json", "w/top_map.out", "--chdir", "w", "-p", "top.p2t", "-log",
+                 "l.log", "-o", "r.csv", "-pr", "top.prf", "top_map.ncd", "out/top_map.ncd"}),
+            0)
+      << err;
 }
 
 TEST_F(HostTest, AnEarlierSweepsFilesAreNoResult) {

@@ -15,11 +15,15 @@ design=$1 top=$2 out=$3
 [ -r "$design" ] && [ ! -d "$design" ] || fail 2 "cannot read design \"$design\""
 # Quoted and in a script below: what could end the quotes, or the line, is refused.
 case $design$out in *'"'* | *';'* | *[[:cntrl:]]*) fail 1 'names must hold no ", no ; and no control characters' ;; esac
+case $design in *[][*?\\]*) fail 1 'the name of the design must hold none of [ ] * ? \' ;; esac
 case $top in *[!A-Za-z0-9_]* | '') fail 1 "\"$top\" is no module name" ;; esac
 command -v yosys >/dev/null || fail 4 "yosys is not installed"
 
 [ ! -d "$out" ] || fail 6 "\"$out\" is a folder"
 if [ "$design" -ef "$out" ]; then fail 1 "the output would replace the design"; fi
+# These beginnings mean something else to the programs below.
+case $design in [-+~\<]*) design=./$design ;; esac
+case $out in [-+~\<]*) out=./$out ;; esac
 
 # Beside this script in the build folder; installed beside par.
 here=$(dirname "$(readlink -f "$0")")
@@ -29,6 +33,8 @@ engine=${VOSTRAND_ENGINE:-$here/engine}
 
 # A temporary name in the same folder, so that a failed synthesis leaves nothing that looks finished.
 new=$out.new.$$
+# Some of the synthesiser's commands take no name with blanks, others expand it.
+case ${TMPDIR-} in *[!A-Za-z0-9._/+-]*) unset TMPDIR ;; esac
 work=$(mktemp -d) || fail 6 "cannot make a temporary folder"
 trap 'rm -rf "$new" "$work"' EXIT
 trap 'exit 129' HUP
@@ -36,10 +42,10 @@ trap 'exit 130' INT
 trap 'exit 143' TERM
 if ! (: >"$new") 2>/dev/null; then fail 6 "cannot write \"$out\""; fi
 
-# Some of the synthesiser's commands take no name with blanks.
 ln -s "$(readlink -f "$engine")" "$work/engine"
 
-if ! yosys -q -p "
+# A net without a driver would become a constant.
+if ! yosys -q -e 'used but has no driver' -p "
   read_verilog -lib $work/engine/cells.v
   read_verilog \"$design\"
   hierarchy -check -top $top
@@ -48,8 +54,14 @@ if ! yosys -q -p "
   script $work/engine/synth.ys mapped:
   write_json \"$new\"" >"$work/log" 2>&1; then
   message=$(grep -m 1 'ERROR: ' "$work/log") || message=$(tail -n 3 "$work/log")
-  # What the last check found is in the warnings before its error.
-  case $message in *'check -assert'*) message=$(grep -m 1 'Warning: ' "$work/log") ;; esac
+  case $message in
+    # What the last check found is in the warnings before its error; a repeated one stands only where it came first.
+    *'check -assert'*)
+      message=$({ grep -E 'conflicting drivers|nmapped|logic loop' "$work/log" || grep 'Warning: ' "$work/log" ||
+        printf '%s\n' "$message"; } | tail -n 1)
+      ;;
+    *'t:$tribuf'*) message="three-state logic, which the device does not have" ;;
+  esac
   fail 2 "$(printf '%s\n' "$message" | sed 's/ERROR: //; s/Warning: //')"
 fi
 # The synthesiser does not notice when a disk is full.

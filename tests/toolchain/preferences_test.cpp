@@ -110,4 +110,11 @@ TEST_F(PreferencesTest, WeightsAndResultsMeet) {
   EXPECT_EQ(frequency->second.constraintText.view(), "200.500 MHz");
 }
 
+TEST_F(PreferencesTest, ArgumentsAreUtf8) {
+  char program[] = "par", good[] = "\xc3\xbc", bad[] = "\xff.ncd";
+  char* arguments[] = {program, good, bad};
+  EXPECT_EQ(ArgumentWords(2, arguments).at(0).text, good);
+  EXPECT_THROW(ArgumentWords(3, arguments), Failure);
+}
+
 }  // namespace

@@ -146,6 +146,11 @@ TEST_F(ToolchainTest, Errors) {
   Write("wide.v",
         "module wide(input clk, input [120:0] d, output reg q); always @(posedge clk) q <= ^d; endmodule\n");
   Write("gated.v", "module gated(input c, e, d, output reg q); always @(posedge c & e) q <= d; endmodule\n");
+  const std::string head = "(input c, a, b, output reg o, output p); always @(posedge c) o <= a; assign p = ";
+  Write("tri.v", "module tri_net" + head + "b ? o : 1'bz; endmodule\n");
+  Write("mis.v", "module mis" + head + "a & bb; endmodule\n");
+  Write("two.v", "module two" + head + "a; assign p = b; wire unused = oo; endmodule\n");
+  Write("a[1].v", "");
   Write("wrong.v", "module wrong(input a output b); endmodule\n");
   Expect(0, "", "vostrand-synth", {"wide.v", "wide", "wide.ncd"});
   Expect(0, "", "vostrand-synth", {"gated.v", "gated", "gated.ncd"});
@@ -176,6 +181,10 @@ TEST_F(ToolchainTest, Errors) {
       {2, "is not routed", "sorv", {"-o", "e.twr", "map.ncd", prf}},
       {2, "no clock net \"none\"", "sorv", {"-o", "e.twr", "out/3_1.dir/3_1.ncd", "net.prf"}},
       {2, "wrong.v:1", "vostrand-synth", {"wrong.v", "wrong", "wrong.ncd"}},
+      {2, "three-state", "vostrand-synth", {"tri.v", "tri_net", "wrong.ncd"}},
+      {2, "mis.\\bb is used but has no driver", "vostrand-synth", {"mis.v", "mis", "wrong.ncd"}},
+      {2, "conflicting drivers", "vostrand-synth", {"two.v", "two", "wrong.ncd"}},
+      {1, "none of [ ]", "vostrand-synth", {"a[1].v", "two", "wrong.ncd"}},
       {2, "none", "vostrand-synth", {"wide.v", "none", "wrong.ncd"}},
   };
   for (const auto& [exit_code, message, program, arguments] : cases)
@@ -201,6 +210,8 @@ TEST_F(ToolchainTest, TheUsersFilesAreSafe) {
   fs::create_directory("t[exit] $x {");
   ::setenv("TMPDIR", (root + "/t[exit] $x {").c_str(), 1);
   Expect(0, "", "sorv", {"-o", "odd.twr", "out/3_1.dir/3_1.ncd", "own.par"});
+  fs::copy("keep.v", "-keep.v");
+  Expect(0, "", "vostrand-synth", {"-keep.v", "two_clock", "-keep.ncd"});
   ::unsetenv("TMPDIR");
 
   rlimit limit;
@@ -256,11 +267,14 @@ TEST_F(ToolchainTest, NoEngineOutlivesPar) {
   for (const int number : {SIGTERM, SIGKILL}) {
     const pid_t par = ::fork();
     if (par == 0) {
+      ::signal(SIGHUP, SIG_IGN);  // As nohup does.
       ::execl(TOOL_FOLDER "par", "par", "map.ncd", "k.dir", (example + "two_clock.prf").c_str(), nullptr);
       ::_exit(127);
     }
     const pid_t engine = WaitForChild(par, "nextpnr-generic");
     ASSERT_NE(engine, 0);
+    ::kill(par, SIGHUP);
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
     ::kill(par, number);
     int status = 0;
     ::waitpid(par, &status, 0);

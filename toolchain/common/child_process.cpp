@@ -51,7 +51,11 @@ void Prepare(QProcess& process, const Command& command) {
 void CatchSignals() {
   struct sigaction action = {};
   action.sa_handler = Catch;
-  for (const int number : {SIGINT, SIGTERM, SIGHUP}) ::sigaction(number, &action, nullptr);
+  for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction present = {};
+    ::sigaction(number, nullptr, &present);
+    if (present.sa_handler != SIG_IGN) ::sigaction(number, &action, nullptr);  // Ignored under nohup.
+  }
 }
 
 void CheckSignals() {

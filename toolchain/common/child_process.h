@@ -24,7 +24,7 @@ struct Outcome {
 };
 
 /// From here on SIGINT, SIGTERM and SIGHUP do not end this program at once: they end the running command, and
-/// then the program fails with 128 + the signal.
+/// then the program fails with 128 + the signal. One that is ignored stays so.
 void CatchSignals();
 
 /// Fails when a signal has come. For the stretches between commands.

@@ -1,11 +1,20 @@
 #include "common/source_text.h"
 
+#include <QString>
 #include <charconv>
+#include <filesystem>
 
 #include "common/files.h"
 #include "common/text.h"
 
 namespace toolchain {
+namespace {
+
+bool IsUtf8(const std::string& text) {
+  return QString::fromStdString(text).toStdString() == text;
+}
+
+}  // namespace
 
 Source ReadSource(const std::string& path, const char* what) {
   const std::string text = ReadFile(path, what);
@@ -72,6 +81,11 @@ std::vector<Word> ArgumentWords(int argc, char** argv) {
     line.append(argv[i]) += ' ';
   }
   source->lines.push_back(line);
+  for (const Word& word : words)
+    if (!IsUtf8(word.text)) throw word.Error("not UTF-8: such a name would become another");
+  std::error_code unknown;
+  if (!IsUtf8(std::filesystem::current_path(unknown)))
+    throw Failure(ExitCode::usage, "the name of the working directory is not UTF-8");
   return words;
 }
 

@@ -40,7 +40,8 @@ struct Word {
 /// are not part of it.
 std::vector<Word> SplitWords(const Source& source);
 
-/// The arguments as words of the source "command line".
+/// The arguments as words of the source "command line". All of them, and the name of the working directory,
+/// must be UTF-8.
 std::vector<Word> ArgumentWords(int argc, char** argv);
 
 }  // namespace toolchain

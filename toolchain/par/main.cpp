@@ -29,7 +29,6 @@ void MakeFolder(const std::string& folder) {
 }
 
 void PlaceAndRouteOnce(int argc, char** argv) {
-  CatchSignals();
   const auto start = std::chrono::steady_clock::now();
   const ParRequest request = ReadParCommandLine(argc, argv);
   RemoveOldOutput(request);
@@ -37,6 +36,7 @@ void PlaceAndRouteOnce(int argc, char** argv) {
   // Before the engine starts: a misspelt name should not cost a run.
   const std::vector<BoundPreference> preferences = Bind(ReadPreferences(request.preferences), ports);
 
+  CatchSignals();  // What is read may be a pipe: before here one ends this program at once.
   const EngineFiles files = PlaceAndRoute(request);
   const std::string routed = MakeRoutedFile(files.netlist, files.report, files.timing, ports);
   const RoutedDesign design = ParseRoutedFile(routed, request.netlist);

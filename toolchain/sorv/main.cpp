@@ -38,11 +38,11 @@ SorvRequest ReadSorvCommandLine(int argc, char** argv) {
 }
 
 void ReportTiming(int argc, char** argv) {
-  CatchSignals();
   const SorvRequest request = ReadSorvCommandLine(argc, argv);
   RemoveFile(request.report);  // A failed run must leave nothing that looks like its result.
   const RoutedDesign design = ParseRoutedFile(ReadFile(request.design, "design"), request.design);
   const std::vector<BoundPreference> preferences = Bind(ReadPreferences(request.preferences), design.ports);
+  CatchSignals();  // What was read may be a pipe: before here one ends this program at once.
   const std::vector<PreferenceTiming> results =
       Analyse(design, preferences, {.ideal_clocks = false, .paths = request.paths});
   CheckSignals();

@@ -48,6 +48,16 @@ TEST(JobState, NeverByAnExitCodeAlone) {
   EXPECT_EQ(Decided("", {}), "123");
 }
 
+TEST(JobState, OfTwinsTheOneThatDidTheWorkTellsMore) {
+  std::vector<JobStatus> rising(5);
+  const char* const states[] = {"FAILED", "CANCELLED", "NODE_FAIL", "PENDING", "RUNNING"};
+  for (std::size_t i = 0; i < rising.size(); ++i) rising[i].state = states[i];
+  rising[0].wait_status = W_EXITCODE(job_given_up, 0);
+  for (std::size_t i = 0; i < rising.size(); ++i)
+    for (std::size_t k = 0; k < rising.size(); ++k)
+      EXPECT_EQ(rising[i].TellsMoreThan(rising[k]), i > k) << states[i] << " and " << states[k];
+}
+
 using JobFiles = ScratchTest;
 
 TEST_F(JobFiles, NamesInAScriptAreNeverCode) {
@@ -57,7 +67,9 @@ TEST_F(JobFiles, NamesInAScriptAreNeverCode) {
   plan.work_dir = Path("work");
   plan.folder = Path("jobs/" + hostile);
   plan.output_file = hostile;
-  plan.supervisor = Write("supervisor", "#!/bin/sh\nprintf '%s|' \"$@\" >>\"$OUT\"\n[ \"${8}\" != fails ]\n");
+  plan.locale = hostile;
+  plan.supervisor =
+      Write("supervisor", "#!/bin/sh\nprintf '%s|' \"$LC_ALL\" \"$@\" >>\"$OUT\"\n[ \"${8}\" != fails ]\n");
   std::filesystem::permissions(plan.supervisor, std::filesystem::perms::owner_all);
   plan.steps = {{0, {hostile, "$1"}}, {2, {"fails"}}, {4, {"never"}}};
   setenv("OUT", Path("out").c_str(), 1);
@@ -68,8 +80,9 @@ TEST_F(JobFiles, NamesInAScriptAreNeverCode) {
   };
   EXPECT_EQ(run(), 1);
   EXPECT_EQ(run(), job_given_up) << "submitted twice";
-  const std::string expected = "--outcome|" + plan.folder + "/0|--lease|" + folder.Lease() + "|--output|" +
-                               hostile + "|--|" + hostile + "|$1|--outcome|" + plan.folder + "/2|";
+  const std::string locale = hostile + "|--outcome|" + plan.folder;
+  const std::string expected = locale + "/0|--lease|" + folder.Lease() + "|--output|" + hostile + "|--|" +
+                               hostile + "|$1|" + locale + "/2|";
   EXPECT_EQ(Read("out").substr(0, expected.size()), expected);
   EXPECT_EQ(Read("out").find("never"), std::string::npos);
   EXPECT_FALSE(Exists("work/hit") || Exists("hit"));

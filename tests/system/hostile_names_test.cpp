@@ -170,7 +170,7 @@ TEST_F(HostileNames, OfFoldersRecordsRunsAndJobs) {
     const std::string at = Path(folder);
     Write(folder + "/tool", "#!/bin/sh\npwd\nprintf '%s\\n' \"$@\"\n");
     fs::permissions(at + "/tool", fs::perms::owner_all);
-    JobPlan plan{at, at + "/job", programs / "vostrand-step", at + "/out", 9, {}};
+    JobPlan plan{at, at + "/job", programs / "vostrand-step", at + "/out", {}, 9, {}};
     plan.steps = {{0, {at + "/tool", name, "--", "$0"}}, {2, {at + "/job", name}}};
     const JobFolder job(plan.folder);
     EXPECT_TRUE(job.Make(JobScript(plan)));

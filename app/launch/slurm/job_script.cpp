@@ -33,7 +33,10 @@ std::string JobScript(const JobPlan& plan) {
     timeout = " --timeout-ms " + std::to_string(static_cast<long>(plan.timeout_seconds * 1000));
   std::string text =
       "#!/bin/sh\n"
-      "# One run of a sweep: its commands one after the other until one fails.\n"
+      "# One run of a sweep: its commands one after the other until one fails.\n" +
+      // What submits the job runs in a locale of its own, and hands it on.
+      (plan.locale ? "export LC_ALL=" + Quoted(*plan.locale) : "unset LC_ALL") +
+      "\n"
       "folder=" +
       Quoted(plan.folder) + "\nsupervisor=" + Quoted(plan.supervisor) +
       "\n"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,10 +15,11 @@ struct JobStep {
 
 /// What one cluster job does.
 struct JobPlan {
-  std::string work_dir;     ///< Full path, on every node.
-  std::string folder;       ///< The job's own, inside the working directory: see JobFolder.
-  std::string supervisor;   ///< Full path of vostrand-step.
-  std::string output_file;  ///< What the tools print is appended to it.
+  std::string work_dir;               ///< Full path, on every node.
+  std::string folder;                 ///< The job's own, inside the working directory: see JobFolder.
+  std::string supervisor;             ///< Full path of vostrand-step.
+  std::string output_file;            ///< What the tools print is appended to it.
+  std::optional<std::string> locale;  ///< The host's LC_ALL, if it has one, which the tools see too.
   double timeout_seconds = 0;
   std::vector<JobStep> steps;
 };

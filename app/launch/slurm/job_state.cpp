@@ -63,9 +63,9 @@ bool JobStatus::HasEnded() const {
 
 bool JobStatus::TellsMoreThan(const JobStatus& other) const {
   const auto rank = [](const JobStatus& job) {
-    if (job.HasEnded())
-      return WIFEXITED(job.wait_status) && WEXITSTATUS(job.wait_status) == job_given_up ? 0 : 1;
-    return job.IsWaiting() ? 2 : 3;
+    if (!job.HasEnded()) return job.IsWaiting() ? 3 : 4;
+    if (WIFEXITED(job.wait_status) && WEXITSTATUS(job.wait_status) == job_given_up) return 0;
+    return job.state == "CANCELLED" ? 1 : 2;  // Perhaps a twin that never began.
   };
   return rank(*this) > rank(other);
 }

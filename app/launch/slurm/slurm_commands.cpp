@@ -15,7 +15,7 @@ namespace {
 constexpr auto patience = std::chrono::seconds(60);  // They give up on a controller by themselves before.
 
 bool IsUnwanted(const QString& variable) {
-  if (variable == "SLURM_CONF") return false;
+  if (variable == "SLURM_CONF" || variable == "SLURM_JWT") return false;
   for (const char* const prefix :
        {"SLURM_", "SQUEUE_", "SCANCEL_", "SBATCH_ARRAY", "SBATCH_WAIT", "SBATCH_CLUSTERS"})
     if (variable.startsWith(prefix)) return true;

@@ -3,6 +3,7 @@
 #include <QRandomGenerator>
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <utility>
 
 #include "execute/events.h"
@@ -15,7 +16,8 @@ namespace {
 constexpr double marker_patience = 5;
 constexpr double cancel_patience = 20;  // For a controller that does not answer.
 constexpr double cancel_again = 5;
-constexpr int never_arrived = 5;  // Answers without a submission that nobody confirmed.
+constexpr int never_arrived = 5;       // Answers without a submission that nobody confirmed.
+constexpr int most_resubmissions = 3;  // Of a job that is taken and never seen.
 constexpr std::size_t ids_per_command = 500;
 constexpr int cannot_start = 127;
 
@@ -95,6 +97,7 @@ void SlurmLauncher::Start(const StepRequest& request, Done done) {
     plan.supervisor = settings_.supervisor;
     plan.output_file = request.output_file;
     plan.timeout_seconds = settings_.timeout_seconds;
+    if (const char* const locale = std::getenv("LC_ALL")) plan.locale = locale;
     job->script = JobScript(plan);
     to_submit_.push_back(request.run);
     Soon([this] { SubmitNext(); });
@@ -138,16 +141,19 @@ void SlurmLauncher::Submitted(std::size_t run, const CommandResult& result) {
     // The cluster may have it all the same: later answers show whether it knows the name.
     jobs_.at(run).stage = Job::Stage::unsure;
     jobs_.at(run).known_since = polls_ + 1;
-    if (!result.Succeeded()) IsSilent(result);
+    if (result.Succeeded())
+      ++jobs_.at(run).unnamed;
+    else
+      IsSilent(result, clock_.Now());
   } else {
     JobEnded(run, JobError("cannot be submitted: " + result.Why()));
   }
   SubmitNext();
 }
 
-void SlurmLauncher::IsSilent(const CommandResult& result) {
+void SlurmLauncher::IsSilent(const CommandResult& result, double since) {
   if (silent_since_) return;
-  silent_since_ = clock_.Now();
+  silent_since_ = since;
   say_(silent_controller + std::string("; waiting for it (") + result.Why() + ")");
 }
 
@@ -163,8 +169,15 @@ void SlurmLauncher::HasId(std::size_t run, const std::string& id) {
 }
 
 void SlurmLauncher::Poll() {
-  if (polling_ || jobs_.empty()) return;
+  if (jobs_.empty()) return;
+  if (polling_) {
+    // Cancelled jobs alone do not wait for the poll's own end: with the others an answer is still welcome.
+    const double silence = clock_.Now() - silent_since_.value_or(poll_began_);
+    EndWithoutController(std::min(silence, settings_.patience_seconds));
+    return;
+  }
   polling_ = true;
+  poll_began_ = clock_.Now();
   ++polls_;
   commands_.Run(QueueCommand(), "", [this](const CommandResult& result) { Polled(result); });
 }
@@ -172,7 +185,7 @@ void SlurmLauncher::Poll() {
 void SlurmLauncher::Polled(const CommandResult& result) {
   polling_ = false;
   if (!result.Succeeded()) {
-    IsSilent(result);
+    IsSilent(result, poll_began_);
     EndWithoutController(clock_.Now() - *silent_since_);
     return;
   }
@@ -205,6 +218,8 @@ void SlurmLauncher::Update(std::size_t run, const JobStatus* status) {
   if (job.stage == Job::Stage::unsure) {
     if (status) return HasId(run, status->id);
     if (++job.missed < never_arrived) return;
+    if (job.unnamed > most_resubmissions && job.cancels == 0 && !job.withdrawn)
+      return JobEnded(run, JobError("the cluster takes the job and never shows it"));
     job.missed = 0;
     job.stage = Job::Stage::to_submit;
     to_submit_.push_front(run);

@@ -50,6 +50,7 @@ class SlurmLauncher final : public Launcher {
     JobStatus status;
     int known_since = 0;  // The poll before which the cluster knew the job.
     int missed = 0;       // Polls that did not show it.
+    int unnamed = 0;      // Submissions that ended well and named no job.
     int cancels = 0;
     bool withdrawn = false;
     double cancelled_at = 0;
@@ -62,7 +63,7 @@ class SlurmLauncher final : public Launcher {
   void SubmitNext();
   void Submit(std::size_t run);
   void Submitted(std::size_t run, const CommandResult& result);
-  void IsSilent(const CommandResult& result);
+  void IsSilent(const CommandResult& result, double since);
   void HasId(std::size_t run, const std::string& id);
   void Poll();
   void Polled(const CommandResult& result);
@@ -92,6 +93,7 @@ class SlurmLauncher final : public Launcher {
   bool submitting_ = false;
   int polls_ = 0;
   bool polling_ = false;
+  double poll_began_ = 0;
   std::optional<double> silent_since_;  // The controller does not answer.
   std::map<std::vector<std::string>, std::vector<std::string>> to_scancel_;  // Ids by options.
   QTimer timer_;

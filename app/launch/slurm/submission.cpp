@@ -17,9 +17,10 @@ bool IsRefused(const std::string& word) {
   for (const char* const letter : {"-a", "-W", "-M", "-h", "-V"})
     if (word.starts_with(letter)) return true;
   const std::string name = word.substr(0, word.find('='));
-  for (const std::string refused : {"--array", "--wrap", "--wait", "--clusters", "--test-only"})
+  for (const std::string refused : {"--array", "--wrap", "--wait", "--clusters", "--test-only", "--help",
+                                    "--version", "--usage", "--autocomplete"})
     if (name.size() > 3 && refused.starts_with(name)) return true;
-  return word == "--" || word == ":" || word == "--help" || word == "--version";
+  return word == "--" || word == ":";
 }
 
 }  // namespace

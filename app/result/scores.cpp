@@ -49,6 +49,7 @@ std::string ContentOf(const std::string& path) {
 // Whether that is all there is in the file. Not more of it is read: a best run's report behind a summary may
 // have gigabytes.
 bool Holds(const std::string& path, const std::string& text) {
+  if (!IsFile(path)) return false;
   std::string begin(text.size() + 1, '\0');
   std::ifstream file(path, std::ios::binary);
   file.read(begin.data(), static_cast<std::streamsize>(begin.size()));
@@ -225,8 +226,7 @@ std::vector<std::string> Scores::Unwritten(const SweepResult& result) {
     OutputReport(scores_.data(), rows_.data(), count, order.data(), path, info.csvLabels, preferences_,
                  weights_, static_cast<int>(preferences_.size()));
   });
-  if (result.timing && (!library_.HasReportFile() || !IsFile(report) || !Holds(report, report_text)))
-    paths.push_back(report);
+  if (result.timing && (!library_.HasReportFile() || !Holds(report, report_text))) paths.push_back(report);
   const std::string summary_text =
       WrittenBy([&](const UT_STROBJ& path) { OutputParRpt(rows_.data(), count, order.data(), path); });
   // The best run's own report is put behind it, once a copy is kept with the runs; an older one begins alike.

@@ -26,9 +26,9 @@ bool same_file(const struct stat& a, const struct stat& b) {
   return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
-// A regular file opened for reading with its status. Opening must not wait for a writer of a named pipe.
+// A regular file opened for reading with its status.
 struct source_file {
-  explicit source_file(const char* path) : file(path ? ut_open(path, O_RDONLY | O_NONBLOCK) : -1) {}
+  explicit source_file(const char* path) : file(path ? ut_open(path, O_RDONLY) : -1) {}
   bool is_regular() { return file.is_open() && ::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode); }
 
   ut_file_descriptor file;
@@ -129,7 +129,7 @@ int UT_FILEMANAGER::issame(const char* a, const char* b) {
 
 int UT_FILEMANAGER::canread(const char* path) {
   if (!path || isdir(path)) return 0;
-  return ut_file_descriptor(ut_open(path, O_RDONLY | O_NONBLOCK)).is_open();
+  return ut_file_descriptor(ut_open(path, O_RDONLY)).is_open();
 }
 
 int UT_FILEMANAGER::copy(const char* from, const char* to) {

@@ -12,8 +12,8 @@
 bool UT_STREAM::open(const char* path, UT_ACCESS access) {
   close();
   writing_ = access == UT_ACCESS_WRITE;
-  file_ = ut_open(path, writing_ ? O_WRONLY | O_CREAT | O_TRUNC : O_RDONLY | O_NONBLOCK);
-  // Only regular files are read: a named pipe would be waited for, a device has no end.
+  file_ = ut_open(path, writing_ ? O_WRONLY | O_CREAT | O_TRUNC : O_RDONLY);
+  // Only regular files are read: a named pipe may never end, a device has no end.
   if (file_ >= 0 && !writing_ && !ut_is_regular(file_)) close();
   if (file_ < 0) return false;
   buffer_.reset(new char[buffer_size]);

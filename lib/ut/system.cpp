@@ -8,8 +8,10 @@
 
 int ut_open(const char* path, int flags, mode_t mode) {
   int file = -1;
-  do file = ::open(path, flags | O_CLOEXEC, mode);
+  do file = ::open(path, flags | O_NONBLOCK | O_CLOEXEC, mode);
   while (file < 0 && errno == EINTR);
+  // A pipe that somebody reads is written to as fast as it is read.
+  if (file >= 0 && (flags & O_ACCMODE) != O_RDONLY) ::fcntl(file, F_SETFL, flags & O_APPEND);
   return file;
 }
 

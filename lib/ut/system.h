@@ -8,7 +8,8 @@
 /// exception. Files are closed on exec, since hosts start processes and none of them may inherit an open file
 /// of a tool run.
 
-/// open(2), with mode `mode` (less the umask) for a file that is made. Returns -1 when it fails.
+/// open(2), with mode `mode` (less the umask) for a file that is made. Never waits for the other end of a
+/// named pipe: one that nobody reads cannot be written. Returns -1 when it fails.
 int ut_open(const char* path, int flags, mode_t mode = 0666);
 
 bool ut_is_regular(int file);

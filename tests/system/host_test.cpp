@@ -3,7 +3,7 @@
 
 TEST_F(HostTest, RunsThePlanAndNamesTheBest) {
   Write("w/top.dir/5_1.twr", "old");
-  EXPECT_EQ(Sweep({"--jobs", "2", "--memory", "1T"}), 0) << err;
+  EXPECT_EQ(Sweep({"--jobs", "2", "--memory", "1T", "--json", "w/top.p2t.tmpl"}), 0) << err;
   EXPECT_EQ(SummaryOrder(), "5_3 5_4 5_2 5_1 ") << out;
   EXPECT_EQ(CsvOrder(), SummaryOrder());
   EXPECT_NE(
@@ -68,6 +68,13 @@ TEST_F(HostTest, NoticesAFullDiskUnderTheReportFile) {
   std::filesystem::create_symlink("/dev/full", Path("w/top.csv"));
   EXPECT_EQ(Sweep(), 6);
   EXPECT_NE(out.find("missing: w/top.csv\n"), std::string::npos) << out;
+}
+
+TEST_F(HostTest, PipesInTheResultsPlaceHoldNothingUp) {
+  Write("w/behave/5_1", "mkfifo top.par top.twr top.pad top.csv; exit 1\n");
+  EXPECT_EQ(Sweep(), 6) << err;
+  for (const char* const lost : {"missing: w/top.par", "missing: w/top.twr", "missing: w/top.csv"})
+    EXPECT_NE(out.find(lost), std::string::npos) << lost << out;
 }
 
 TEST_F(HostTest, StopsAtZero) {
@@ -239,7 +246,9 @@ TEST_F(HostTest, RefusesBeforeAnythingIsCreated) {
     EXPECT_EQ(Read(file), before);
   }
   EXPECT_EQ(Sweep({"--json", "a", "--junit", "./a"}), 2);
-  EXPECT_EQ(Sweep({"--events", "w/top.p2t.tmp0"}), 2);
+  std::filesystem::create_directories(Path("w/top.dir/5_1.dir"));
+  for (const char* const file : {"w/top.p2t.tmp0", "w/top.dir/e", "w/top.dir/5_1.dir/e"})
+    EXPECT_EQ(Sweep({"--events", file}), 2) << file;
   EXPECT_EQ(Run({"--json", "w/top.twr", "--chdir", "w", "-p", "top.p2t", "-log", "top.log", "-o", "top.csv",
                  "-pr", "top.prf", "top_map.ncd", "../top.ncd"}),
             2);

@@ -1,9 +1,12 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstring>
+#include <future>
 #include <vector>
 
 #include "common/scratch.h"
@@ -100,6 +103,25 @@ TEST_F(Files, StreamsReadAndWrite) {
   out = ut_file->add_ofile("/dev/full", UT_ACCESS_WRITE, nullptr, 1);
   out->writeline("lost");
   EXPECT_EQ(ut_file->rm_ofile(out), 0) << "a write that fails as late as here";
+}
+
+TEST_F(Files, APipeIsWrittenWhileSomebodyReads) {
+  const std::string path = Path("fifo");
+  EXPECT_FALSE(ut_open_stream(path.c_str(), UT_ACCESS_WRITE)) << "and would wait for a reader";
+  EXPECT_FALSE(ut_file->copy(Path("file").c_str(), path.c_str()));
+  const int end = ::open(path.c_str(), O_RDONLY | O_NONBLOCK);
+  UT_STREAM* const out = ut_file->add_ofile(path.c_str(), UT_ACCESS_WRITE, nullptr, 1);
+  ::fcntl(end, F_SETFL, 0);
+  std::future<std::size_t> heard = std::async(std::launch::async, [end] {
+    std::size_t n = 0;
+    char piece[4096];
+    for (ssize_t got = 1; got > 0; n += static_cast<std::size_t>(got)) got = ::read(end, piece, sizeof piece);
+    return n;
+  });
+  out->write(std::string(1000000, 'm'));  // More than a pipe holds.
+  EXPECT_NE(ut_file->rm_ofile(out), 0);
+  EXPECT_EQ(heard.get(), 1000000U);
+  ::close(end);
 }
 
 TEST_F(Files, CopyAndAppend) {

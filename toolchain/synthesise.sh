@@ -44,8 +44,8 @@ if ! (: >"$new") 2>/dev/null; then fail 6 "cannot write \"$out\""; fi
 
 ln -s "$(readlink -f "$engine")" "$work/engine"
 
-# A net without a driver would become a constant.
-if ! yosys -q -e 'used but has no driver' -p "
+# A net without a driver would become a constant, and so would one that is let go.
+if ! yosys -q -e 'used but has no driver|limited support for tri-state' -p "
   read_verilog -lib $work/engine/cells.v
   read_verilog \"$design\"
   hierarchy -check -top $top
@@ -53,6 +53,7 @@ if ! yosys -q -e 'used but has no driver' -p "
   techmap -map $work/engine/map_cells.v
   script $work/engine/synth.ys mapped:
   write_json \"$new\"" >"$work/log" 2>&1; then
+  three_state="three-state logic, which the device does not have"
   message=$(grep -m 1 'ERROR: ' "$work/log") || message=$(tail -n 3 "$work/log")
   case $message in
     # What the last check found is in the warnings before its error; a repeated one stands only where it came first.
@@ -60,7 +61,8 @@ if ! yosys -q -e 'used but has no driver' -p "
       message=$({ grep -E 'conflicting drivers|nmapped|logic loop' "$work/log" || grep 'Warning: ' "$work/log" ||
         printf '%s\n' "$message"; } | tail -n 1)
       ;;
-    *'t:$tribuf'*) message="three-state logic, which the device does not have" ;;
+    *'t:$tribuf'*) message=$three_state ;;
+    *'tri-state logic at the moment. ('*')') message="$(printf '%s\n' "$message" | sed 's/.*at the moment\. (\(.*\))/\1/'): $three_state" ;;
   esac
   fail 2 "$(printf '%s\n' "$message" | sed 's/ERROR: //; s/Warning: //')"
 fi

@@ -148,6 +148,7 @@ TEST_F(ToolchainTest, Errors) {
   Write("gated.v", "module gated(input c, e, d, output reg q); always @(posedge c & e) q <= d; endmodule\n");
   const std::string head = "(input c, a, b, output reg o, output p); always @(posedge c) o <= a; assign p = ";
   Write("tri.v", "module tri_net" + head + "b ? o : 1'bz; endmodule\n");
+  Write("buffer.v", "module buffer" + head + "a; wire t; bufif1(t, a, b); endmodule\n");
   Write("mis.v", "module mis" + head + "a & bb; endmodule\n");
   Write("two.v", "module two" + head + "a; assign p = b; wire unused = oo; endmodule\n");
   Write("a[1].v", "");
@@ -181,7 +182,8 @@ TEST_F(ToolchainTest, Errors) {
       {2, "is not routed", "sorv", {"-o", "e.twr", "map.ncd", prf}},
       {2, "no clock net \"none\"", "sorv", {"-o", "e.twr", "out/3_1.dir/3_1.ncd", "net.prf"}},
       {2, "wrong.v:1", "vostrand-synth", {"wrong.v", "wrong", "wrong.ncd"}},
-      {2, "three-state", "vostrand-synth", {"tri.v", "tri_net", "wrong.ncd"}},
+      {2, "tri.v:1: three-state", "vostrand-synth", {"tri.v", "tri_net", "wrong.ncd"}},
+      {2, "three-state", "vostrand-synth", {"buffer.v", "buffer", "wrong.ncd"}},
       {2, "mis.\\bb is used but has no driver", "vostrand-synth", {"mis.v", "mis", "wrong.ncd"}},
       {2, "conflicting drivers", "vostrand-synth", {"two.v", "two", "wrong.ncd"}},
       {1, "none of [ ]", "vostrand-synth", {"a[1].v", "two", "wrong.ncd"}},

@@ -64,6 +64,7 @@ int Perform(const vostrand::CommandLine& line) {
   }
   const std::string refusal = WhyRefused(line.tool);
   if (!refusal.empty()) return Refuse(refusal);
+  std::signal(SIGPIPE, SIG_IGN);  // Whoever reads the progress may leave; the sweep goes on.
   if (line.host.dry_run) return vostrand::DryRun(line.tool, line.host.work_dir);
   return vostrand::RunSweep(line.host, line.tool, QCoreApplication::applicationDirPath().toStdString());
 }
@@ -72,7 +73,6 @@ int Perform(const vostrand::CommandLine& line) {
 
 int main(int argc, char** argv) {
   FillStandardDescriptors();
-  std::signal(SIGPIPE, SIG_IGN);  // Whoever reads the progress may leave; the sweep goes on.
   std::signal(SIGXFSZ, SIG_IGN);  // A file that may not grow further is written in vain, as on a full disk.
   const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
   const QCoreApplication app(argc, argv);

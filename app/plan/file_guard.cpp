@@ -68,11 +68,13 @@ bool IsSame(const fs::path& a, const fs::path& b) {
   return fs::equivalent(a, b, error);
 }
 
-// At whatever depth.
+// At whatever depth, the file or a link that leads to it.
 bool LiesIn(const fs::path& folder, const fs::path& file) {
   std::error_code error;
-  for (fs::path above = fs::canonical(file, error); above.has_relative_path(); above = above.parent_path())
-    if (IsSame(above, folder)) return true;
+  const fs::path named = fs::canonical(file.parent_path(), error) / file.filename();
+  for (const fs::path& place : {named, fs::canonical(file, error)})
+    for (fs::path above = place; above.has_relative_path(); above = above.parent_path())
+      if (IsSame(above, folder)) return true;
   return false;
 }
 
@@ -86,7 +88,7 @@ std::string WhyInputIsWritten(const ToolFiles& files, const std::string& input, 
   const std::string commands = work_dir / files.par_commands;
   for (int i = 0; i < most_runs; ++i)
     if (IsSame(file, commands + ".tmp" + std::to_string(i)))
-      return input + " would be written over by a copy of the par command file";
+      return input + " could be written over by a copy of the par command file";
   return {};
 }
 

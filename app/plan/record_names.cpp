@@ -1,5 +1,6 @@
 #include "plan/record_names.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 
@@ -13,6 +14,17 @@ fs::path OneName(const fs::path& path) {
   std::error_code error;
   const fs::path name = fs::weakly_canonical(fs::absolute(path, error), error);
   return error ? path.lexically_normal() : name;
+}
+
+// `begin` and a run's number.
+bool IsCopy(const std::string& name, const std::string& begin) {
+  if (!name.starts_with(begin) || name.size() == begin.size() || name.size() > begin.size() + 2) return false;
+  return name.find_first_not_of("0123456789", begin.size()) == std::string::npos;
+}
+
+// At whatever depth: what a run left is removed with all that is in it.
+bool LiesIn(const fs::path& folder, const fs::path& file) {
+  return std::mismatch(folder.begin(), folder.end(), file.begin(), file.end()).first == folder.end();
 }
 
 }  // namespace
@@ -36,8 +48,8 @@ std::string WhyRecordsAreRefused(const HostOptions& options, const ToolFiles& fi
     std::error_code error;
     if (file.empty() || (fs::exists(file, error) && !fs::is_regular_file(file, error))) continue;
     const fs::path name = OneName(file);
-    if (name.string().starts_with(copies)) return file + ": planning writes copies of the par commands there";
-    if (name.parent_path() == output_folder) return file + ": planning empties this folder";
+    if (IsCopy(name, copies)) return file + ": planning writes copies of the par commands there";
+    if (LiesIn(output_folder, name)) return file + ": the sweep empties its output folder";
     const auto [at, free] = taken.try_emplace(name, "another record");
     if (!free) return file + " cannot be a record: it is " + at->second;
   }

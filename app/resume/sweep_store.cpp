@@ -81,7 +81,11 @@ SweepStore::~SweepStore() {
 // Returns 0, EWOULDBLOCK while another holds the lock, or why there can be none. A lock on a file that its
 // last holder has removed since is none.
 int SweepStore::TryLock() {
-  const int file = open(lock_file_.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+  int file = open(lock_file_.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+  if (file < 0 && errno == EACCES) {
+    file = open(lock_file_.c_str(), O_RDONLY | O_CLOEXEC);  // Another user's.
+    if (file < 0) return EACCES;
+  }
   if (file < 0) return errno;
   int error = flock(file, LOCK_EX | LOCK_NB) == 0 ? 0 : errno;
   struct stat locked;

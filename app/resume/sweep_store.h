@@ -22,10 +22,9 @@ class SweepStore {
 
   /// Makes the folder and locks it against a second sweep with the same output, as long as this object or a
   /// process with the open lock file lives: what a killed sweep had running may need a moment to end, and is
-  /// waited for that long. The lock is a file in ".vostrand" beside
-  /// the output, whatever name its folder goes by, or beside the folder where that may not be written; and
-  /// in the folder as "lock". Returns why that
-  /// failed, or nothing.
+  /// waited for that long. The lock is a file in ".vostrand" beside the output, whatever name its folder goes
+  /// by and whoever made it; beside the folder where there is none and none can be made; and in the folder as
+  /// "lock". Returns why that failed, or nothing.
   std::string Open();
   /// The open lock file; -1 when there is none.
   int LockFile() const { return lock_; }

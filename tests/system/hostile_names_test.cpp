@@ -246,6 +246,10 @@ TEST_F(HostileNames, NoInputIsWrittenOverOrRemoved) {
     EXPECT_EQ(RunRaw(FullForm(options, named)), 2) << input << out << err;
     EXPECT_EQ(Read("v/" + input).substr(0, 6), input == "top.par" ? "-n 2 -" : "design") << input;
   }
+  FreshFolder();
+  fs::create_directories(Path("v/top.dir/5_3.dir"));
+  fs::create_symlink("../../top_map.ncd", Path("v/top.dir/5_3.dir/d.ncd"));
+  EXPECT_EQ(RunRaw(FullForm({}, {{"design", "top.dir/5_3.dir/d.ncd"}})), 2) << out << err;
   for (const char* const name : {"top.ncd", "top.twr", "top.pad"}) {
     FreshFolder();
     fs::create_directories(Path("v/sub"));

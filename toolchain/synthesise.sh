@@ -53,7 +53,7 @@ if ! yosys -q -e 'used but has no driver|limited support for tri-state' -p "
   techmap -map $work/engine/map_cells.v
   script $work/engine/synth.ys mapped:
   write_json \"$new\"" >"$work/log" 2>&1; then
-  three_state="three-state logic, which the device does not have"
+  three_state='three-state logic, which the device does not have'
   message=$(grep -m 1 'ERROR: ' "$work/log") || message=$(tail -n 3 "$work/log")
   case $message in
     # What the last check found is in the warnings before its error; a repeated one stands only where it came first.
@@ -62,9 +62,9 @@ if ! yosys -q -e 'used but has no driver|limited support for tri-state' -p "
         printf '%s\n' "$message"; } | tail -n 1)
       ;;
     *'t:$tribuf'*) message=$three_state ;;
-    *'tri-state logic at the moment. ('*')') message="$(printf '%s\n' "$message" | sed 's/.*at the moment\. (\(.*\))/\1/'): $three_state" ;;
   esac
-  fail 2 "$(printf '%s\n' "$message" | sed 's/ERROR: //; s/Warning: //')"
+  fail 2 "$(printf '%s\n' "$message" | sed "s/ERROR: //; s/Warning: //
+    s/.*tri-state logic at the moment\. (\(.*\))\$/\1: $three_state/")"
 fi
 # The synthesiser does not notice when a disk is full.
 [ "$(tail -n 1 "$new")" = "}" ] || fail 6 "cannot write \"$out\" whole: is the disk full?"

@@ -4,6 +4,8 @@
 #include <climits>
 #include <filesystem>
 
+#include "plan/same_place.h"
+
 namespace vostrand {
 namespace {
 
@@ -61,21 +63,6 @@ std::string WhyLinksAreRefused(const ToolFiles& files, bool keeps_old_output, co
     if (LeadsOutOf(allowed, file))
       return file + " is a link: the result would be written over what it leads to";
   return {};
-}
-
-bool IsSame(const fs::path& a, const fs::path& b) {
-  std::error_code error;
-  return fs::equivalent(a, b, error);
-}
-
-// At whatever depth, the file or a link that leads to it.
-bool LiesIn(const fs::path& folder, const fs::path& file) {
-  std::error_code error;
-  const fs::path named = fs::canonical(file.parent_path(), error) / file.filename();
-  for (const fs::path& place : {named, fs::canonical(file, error)})
-    for (fs::path above = place; above.has_relative_path(); above = above.parent_path())
-      if (IsSame(above, folder)) return true;
-  return false;
 }
 
 // Inputs that planning or the report would write over.

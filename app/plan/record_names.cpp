@@ -1,8 +1,9 @@
 #include "plan/record_names.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <map>
+
+#include "plan/same_place.h"
 
 namespace vostrand {
 namespace {
@@ -22,11 +23,6 @@ bool IsCopy(const std::string& name, const std::string& begin) {
   return name.find_first_not_of("0123456789", begin.size()) == std::string::npos;
 }
 
-// At whatever depth: what a run left is removed with all that is in it.
-bool LiesIn(const fs::path& folder, const fs::path& file) {
-  return std::mismatch(folder.begin(), folder.end(), file.begin(), file.end()).first == folder.end();
-}
-
 }  // namespace
 
 std::string WhyRecordsAreRefused(const HostOptions& options, const ToolFiles& files) {
@@ -41,7 +37,7 @@ std::string WhyRecordsAreRefused(const HostOptions& options, const ToolFiles& fi
   for (const std::string& base : {stem, promotes ? fs::path(stem).filename().string() : stem})
     for (const char* const extension : result_extensions)
       taken[OneName(work_dir / (base + extension))] = "a result of the sweep";
-  const fs::path output_folder = OneName(work_dir / (stem + ".dir"));
+  const fs::path output_folder = work_dir / (stem + ".dir");
 
   for (const std::string& file :
        {options.json_file, options.html_file, options.events_file, options.junit_file, options.trace_file}) {

@@ -35,11 +35,6 @@ class Muted {
   HostLogger& logger_;
 };
 
-bool IsFile(const std::string& path) {
-  std::error_code error;
-  return std::filesystem::is_regular_file(path, error);
-}
-
 std::string ContentOf(const std::string& path) {
   std::ostringstream text;
   text << std::ifstream(path, std::ios::binary).rdbuf();
@@ -49,7 +44,8 @@ std::string ContentOf(const std::string& path) {
 // Whether that is all there is in the file. Not more of it is read: a best run's report behind a summary may
 // have gigabytes.
 bool Holds(const std::string& path, const std::string& text) {
-  if (!IsFile(path)) return false;
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) return false;  // A pipe would be waited for.
   std::string begin(text.size() + 1, '\0');
   std::ifstream file(path, std::ios::binary);
   file.read(begin.data(), static_cast<std::streamsize>(begin.size()));

@@ -15,7 +15,8 @@ namespace vostrand {
 namespace {
 
 constexpr qint64 frame_ms = 100;
-constexpr auto next_frame = std::chrono::seconds(1);  // When nothing happens but time.
+// When nothing happens but time: a timer of a whole second, a little off, would leave out seconds.
+constexpr auto next_frame = std::chrono::milliseconds(500);
 constexpr auto next_sign_of_life = std::chrono::minutes(1);
 
 std::string Variable(const char* name) {

@@ -62,6 +62,7 @@ Screen Wide(std::size_t width, std::size_t height = 24) {
 void Spin(int ms) {
   QElapsedTimer timer;
   for (timer.start(); timer.elapsed() < ms;) QCoreApplication::processEvents();
+  QCoreApplication::processEvents();  // What fell due while this test had to wait for a processor.
 }
 
 // The little of a terminal that redrawing needs. Text behind the last column is a fault.

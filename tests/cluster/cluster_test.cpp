@@ -3,6 +3,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <regex>
 
 #include "common/host_run.h"
 
@@ -287,10 +288,11 @@ TEST_F(ClusterTest, TakesUpTheJobsOfAKilledHost) {
 // No cluster needed: whoever writes late, the check is the same.
 TEST_F(HostTest, AResultThatChangesAfterItsRunIsNoResult) {
   Write("w/behave/5_4", "while [ ! -f go ]; do sleep 0.1; done\n");
-  Start({"--jobs", "2", "--json", "r.json", "--toolchain", "tools", "--chdir", "w", "top"});
-  for (int i = 0; i < 3000 && Read("w/top.dir/5_3.twr").empty(); ++i)
+  Start({"--jobs", "2", "--json", "r.json", "--events", "e", "--toolchain", "tools", "--chdir", "w", "top"});
+  const std::regex ended("run_finished.*\"5_3\"");
+  for (int i = 0; i < 3000 && !std::regex_search(Read("e"), ended); ++i)
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  std::this_thread::sleep_for(std::chrono::milliseconds(200));  // Its files are looked at after that event.
   std::ofstream(Path("w/top.dir/5_3.par"), std::ios::app) << "late\n";
   Write("w/go", "");
   EXPECT_EQ(Wait(), 4) << err;

@@ -87,5 +87,9 @@ class HostTest : public ScratchTest {
   std::string err;
 };
 
+/// What a tool does that, told to end, says so and cleans up for `seconds`.
+inline std::string CleansUpFor(const std::string& seconds) {
+  return "trap 'touch told; sleep " + seconds + "; echo cleaned >cleaned; exit 1' TERM\n";
+}
 /// What a tool does that writes its process id to pid_RUN and goes on for long.
 inline constexpr const char* sleeper = "echo $$ >pid.tmp; mv pid.tmp pid_$R; sleep 60 & wait\n";

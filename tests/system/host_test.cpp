@@ -113,15 +113,14 @@ TEST_F(HostTest, WhatTheCallerIgnoresStaysIgnored) {
 }
 
 TEST_F(HostTest, GivesToolsTheirGraceUnlessAskedTwice) {
-  Write("w/behave/5_1", "trap 'sleep 0.7; echo cleaned >cleaned; exit 1' TERM\n" + std::string(sleeper));
   for (const int signals : {1, 2}) {
-    std::filesystem::remove(Path("w/cleaned"));
-    std::filesystem::remove(Path("w/pid_5_1"));
+    Write("w/behave/5_1", CleansUpFor(signals == 1 ? "0.3" : "1.5") + sleeper);
+    for (const char* const file : {"w/cleaned", "w/told", "w/pid_5_1"}) std::filesystem::remove(Path(file));
     Start({"--jobs", "1", "--toolchain", "tools", "--chdir", "w", "top"});
     ASSERT_TRUE(WaitFor("w/pid_5_1"));
     for (int i = 0; i < signals; ++i) {
       kill(static_cast<pid_t>(process.processId()), SIGTERM);
-      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+      ASSERT_TRUE(WaitFor("w/told"));
     }
     EXPECT_EQ(Wait(), 143);
     EXPECT_EQ(Exists("w/cleaned"), signals == 1);
@@ -152,8 +151,10 @@ TEST_F(HostTest, AnIdleSupervisorThatIsStoppedOrToldToEndHoldsNothingUp) {
     ASSERT_TRUE(WaitFor("w/top.dir/5_2.twr"));
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
     const std::string host = std::to_string(process.processId());
-    std::system(("for p in $(pgrep -P " + host + "); do pgrep -P $p >/dev/null || kill -" + signal +
-                 " $p && touch " + Path("told_") + signal + "; done")
+    const std::string told = Path("told_") + signal;
+    std::system(("for i in $(seq 300); do for p in $(pgrep -P " + host +
+                 "); do pgrep -P $p >/dev/null || { sleep 0.2; kill -" + signal + " $p && touch " + told +
+                 "; }; done; [ -e " + told + " ] && break; sleep 0.05; done")
                     .c_str());
     Write("w/go", "");
     EXPECT_EQ(Wait(), 0) << signal << err;

@@ -58,7 +58,7 @@ TEST_F(LongRun, MemoryStaysWhatItIs) {
 TEST_F(LongRun, EveryEndIsToldAndEveryLineShown) {
   std::vector<std::pair<std::string, int>> ends = {
       {"(trap '' TERM HUP; exec sleep 60) & echo $! >pid_$R", 0},
-      {"setsid sh -c 'echo $$ >pid_5_2; sleep 60' & sleep 0.2", 0},
+      {"setsid sh -c 'echo $$ >pid_5_2; sleep 60' & until [ -s pid_5_2 ]; do sleep 0.01; done", 0},
       {"seq 100000", 0},
       {"exec >&- 2>&-; sleep 0.1", 0},
       {"printf 'no line end'", 0},
@@ -71,7 +71,7 @@ TEST_F(LongRun, EveryEndIsToldAndEveryLineShown) {
   const int count = static_cast<int>(ends.size());
   for (int i = 0; i < count; ++i)
     Write("w/behave/5_" + std::to_string(i + 1), ends[static_cast<std::size_t>(i)].first + "\n");
-  PeakAfter(count, {"--jobs", "8", "--timeout", "1s", "--verbose"}, 4);
+  PeakAfter(count, {"--jobs", "8", "--timeout", "4s", "--verbose"}, 4);
   for (int i = 0; i < count; ++i)
     EXPECT_EQ(RunOf(i + 1)["status"].toInt(-1), ends[static_cast<std::size_t>(i)].second) << i + 1;
   for (const char* const left : {"w/pid_5_1", "w/pid_5_2"}) EXPECT_TRUE(HasEnded(left)) << left;

@@ -161,7 +161,11 @@ TEST_F(ResumeTest, AnInterruptBeforeTheRunsKeepsWhatHadFinished) {
   Write("w/top.prf", "");
   EXPECT_EQ(Sweep(), 0);
   Start({"--resume", "--toolchain", "tools", "--chdir", "w", "top"});
-  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  // While it reads the design.
+  const std::string open_files = "/proc/" + std::to_string(process.processId()) + "/fd";
+  const std::string reads =
+      "for i in $(seq 3000); do ls -l " + open_files + " | grep -q top_map.ncd && exit; done";
+  std::system(reads.c_str());
   kill(static_cast<pid_t>(process.processId()), SIGINT);
   EXPECT_EQ(Wait(), 130) << err;
   EXPECT_EQ(Sweep({"--resume"}), 0);
@@ -192,7 +196,7 @@ TEST_F(ResumeTest, TwoSweepsOfOneDesignDoNotMeet) {
 TEST_F(ResumeTest, EndsAStepThatTakesTooLongAndTriesAgain) {
   Write("w/behave/5_1", "echo >>starts_$R; [ -f tried ] || { echo $$ >pid_$R; touch tried; sleep 60; }\n");
   Write("w/behave/5_2", "trap '' TERM; echo $$ >pid_$R; sleep 60 & wait; wait\n");
-  EXPECT_EQ(Sweep({"--timeout", "0.3s", "--retries", "1", "--json", "r.json"}), 4);
+  EXPECT_EQ(Sweep({"--timeout", "2s", "--retries", "1", "--json", "r.json"}), 4);
   EXPECT_TRUE(HasEnded("w/pid_5_1") && HasEnded("w/pid_5_2"));
   EXPECT_NE(out.find("3 finished, 1 failed"), std::string::npos) << out;
   EXPECT_NE(err.find("5_2 failed with 124"), std::string::npos) << err;

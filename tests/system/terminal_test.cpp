@@ -50,13 +50,13 @@ class TerminalTest : public HostTest {
 
   // On a narrow terminal, while a tool runs that cleans up when it is told to end.
   void PressCtrlC(int presses) {
-    Write("w/behave/5_1", "trap 'sleep 0.7; echo cleaned >cleaned; exit 1' TERM\n" + std::string(sleeper));
+    Write("w/behave/5_1", CleansUpFor(presses == 1 ? "0.3" : "1.5") + sleeper);
     Open(30);
     Start({"--jobs", "1", "--toolchain", "tools", "--chdir", "w", "top"});
     ASSERT_TRUE(WaitFor("w/pid_5_1"));
     for (int i = 0; i < presses; ++i) {
       Type("\x03");
-      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+      ASSERT_TRUE(WaitFor("w/told"));
     }
     EXPECT_EQ(Wait(), 130);
     Close();

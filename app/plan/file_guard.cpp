@@ -55,7 +55,7 @@ std::string WhyLinksAreRefused(const ToolFiles& files, bool keeps_old_output, co
   for (const char* const extension : {".par", ".twr", ".pad", ".dly", ".icf"})
     written.push_back(stem + extension);
   // Promoted into the working directory, wherever the output is.
-  if (!fs::equivalent(fs::path(stem).parent_path(), work_dir, error))
+  if (!IsSame(fs::path(stem).parent_path(), work_dir))
     for (const char* const extension : {".ncd", ".par", ".twr", ".pad", ".dly", ".icf"})
       written.push_back(work_dir / (fs::path(stem).filename().string() + extension));
   const std::vector<fs::path> allowed = {work_dir, fs::path(stem).parent_path()};
@@ -155,7 +155,7 @@ std::vector<std::string> TakeInLinkedFolder(const std::string& folder, bool star
   const fs::path target = fs::canonical(folder, error);
   fs::remove(folder, error);
   if (!started || target.empty() || error) return lost;
-  if (fs::equivalent(target, fs::path(folder).parent_path(), error)) return lost;  // All is there already.
+  if (IsSame(target, fs::path(folder).parent_path())) return lost;  // All is there already.
   fs::create_directory(folder, error);
   for (const auto& entry : fs::directory_iterator(target, error)) {
     std::error_code uncopied;

@@ -81,6 +81,7 @@ SweepStore::~SweepStore() {
 // Returns 0, EWOULDBLOCK while another holds the lock, or why there can be none. A lock on a file that its
 // last holder has removed since is none.
 int SweepStore::TryLock() {
+  // For writing where that may be: over NFS no other file can be locked so.
   int file = open(lock_file_.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
   if (file < 0 && errno == EACCES) {
     file = open(lock_file_.c_str(), O_RDONLY | O_CLOEXEC);  // Another user's.

@@ -63,13 +63,12 @@ class ClusterTest : public HostTest {
     shell.waitForFinished();
     return shell.readAllStandardOutput().toStdString();
   }
-  void StartSweep(std::vector<std::string> options = {}) {
-    options.insert(options.end(), {"--launcher", "slurm", "--json", "r.json", "--toolchain", "tools",
-                                   "--chdir", "w", "top"});
-    Start(options);
+  void StartSlurmSweep(std::vector<std::string> options = {}) {
+    options.insert(options.end(), {"--launcher", "slurm", "--json", "r.json"});
+    StartSweep(options);
   }
   int SlurmSweep(const std::vector<std::string>& options = {}) {
-    StartSweep(options);
+    StartSlurmSweep(options);
     return Wait();
   }
   QJsonArray Runs() const {
@@ -135,7 +134,7 @@ TEST_F(ClusterTest, SubmitsAgainWhenANodeIsTakenDown) {
   Write("w/behave/5_2", sleeps_once);
   // What a node does that makes room for another job, or is shut down in good order.
   Write("w/behave/5_3", "[ -f told ] || { touch told; kill -TERM $PPID; sleep 60; }\n");
-  StartSweep({"--retries", "0"});
+  StartSlurmSweep({"--retries", "0"});
   ASSERT_TRUE(WaitFor("w/tried_5_2"));
   const std::string node = NodeOf("5_2");
   Shell("scontrol update nodename=" + node + " state=down reason=test");
@@ -146,7 +145,7 @@ TEST_F(ClusterTest, SubmitsAgainWhenANodeIsTakenDown) {
   EXPECT_EQ(Tries(2).size(), 3);
   EXPECT_NE(Message(2).find("told to end by the cluster"), std::string::npos) << Message(2);
   Write("w/behave/5_2", "touch again_$R; sleep 60\n");
-  StartSweep({"--requeues", "0"});
+  StartSlurmSweep({"--requeues", "0"});
   ASSERT_TRUE(WaitFor("w/again_5_2"));
   Shell("scontrol update nodename=" + NodeOf("5_2") + " state=down reason=test");
   EXPECT_EQ(Wait(), 4) << err;
@@ -157,7 +156,7 @@ TEST_F(ClusterTest, SoakSubmitsAgainWhenANodeCrashes) {
   if (geteuid() != 0) GTEST_SKIP() << "a node that can crash needs root";
   StartLoneNode("");
   Write("w/behave/5_2", sleeps_once);
-  StartSweep({"--slurm-args", "--exclude=node2"});
+  StartSlurmSweep({"--slurm-args", "--exclude=node2"});
   ASSERT_TRUE(WaitFor("w/tried_5_2"));
   if (NodeOf("5_2") == "node3") Shell("scontrol update nodename=node3 state=down reason=test");
   node_.kill();
@@ -176,7 +175,7 @@ TEST_F(ClusterTest, SaysThatANodeDoesNotSeeTheFolder) {
 
 TEST_F(ClusterTest, OutlivesItsController) {
   Write("w/behave/5_1", "touch began; sleep 3\n");
-  StartSweep();
+  StartSlurmSweep();
   ASSERT_TRUE(WaitFor("w/began"));
   Cluster({"controller", Path("cluster"), "stop"});
   Shell("sleep 3");
@@ -189,7 +188,7 @@ TEST_F(ClusterTest, OutlivesItsController) {
 TEST_F(ClusterTest, SubmitsOnceAcrossAControllersAbsence) {
   for (const char* run : {"5_1", "5_2", "5_3", "5_4"})
     Write("w/behave/" + std::string(run), "echo >>starts\n");
-  StartSweep({"--jobs", "1"});
+  StartSlurmSweep({"--jobs", "1"});
   ASSERT_TRUE(WaitFor("w/starts"));
   Cluster({"controller", Path("cluster"), "stop"});
   Shell("sleep 3");
@@ -243,7 +242,7 @@ TEST_F(ClusterTest, LeavesNoJobBehindWhenInterrupted) {
   RestartCluster("1", "2");
   Write("w/behave/5_1", sleeper);
   Write("w/behave/5_2", "trap '' TERM; touch began; sleep 60 & wait; wait\n");
-  StartSweep();
+  StartSlurmSweep();
   ASSERT_TRUE(WaitFor("w/pid_5_1") && WaitFor("w/began"));
   process.terminate();
   EXPECT_EQ(Wait(), 143);
@@ -253,7 +252,7 @@ TEST_F(ClusterTest, LeavesNoJobBehindWhenInterrupted) {
 
 TEST_F(ClusterTest, SoakNamesWhatItCannotCancel) {
   Write("w/behave/5_1", sleeper);
-  StartSweep();
+  StartSlurmSweep();
   ASSERT_TRUE(WaitFor("w/pid_5_1"));
   Cluster({"controller", Path("cluster"), "stop"});
   process.terminate();
@@ -270,7 +269,7 @@ TEST_F(ClusterTest, TakesUpTheJobsOfAKilledHost) {
   RestartCluster("1", "2");
   for (const char* run : {"5_1", "5_2", "5_3", "5_4"})
     Write("w/behave/" + std::string(run), "echo >>starts_$R; sleep 1.5\n");
-  StartSweep({"--jobs", "3"});
+  StartSlurmSweep({"--jobs", "3"});
   ASSERT_TRUE(WaitFor("w/starts_5_2"));
   process.kill();
   process.waitForFinished();
@@ -288,10 +287,9 @@ TEST_F(ClusterTest, TakesUpTheJobsOfAKilledHost) {
 // No cluster needed: whoever writes late, the check is the same.
 TEST_F(HostTest, AResultThatChangesAfterItsRunIsNoResult) {
   Write("w/behave/5_4", "while [ ! -f go ]; do sleep 0.1; done\n");
-  Start({"--jobs", "2", "--json", "r.json", "--events", "e", "--toolchain", "tools", "--chdir", "w", "top"});
+  StartSweep({"--jobs", "2", "--json", "r.json", "--events", "e"});
   const std::regex ended("run_finished.*\"5_3\"");
-  for (int i = 0; i < 3000 && !std::regex_search(Read("e"), ended); ++i)
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  EXPECT_TRUE(Eventually([&] { return std::regex_search(Read("e"), ended); }));
   std::this_thread::sleep_for(std::chrono::milliseconds(200));  // Its files are looked at after that event.
   std::ofstream(Path("w/top.dir/5_3.par"), std::ios::app) << "late\n";
   Write("w/go", "");

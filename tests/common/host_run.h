@@ -4,8 +4,8 @@
 #include <signal.h>
 
 #include <QProcess>
-#include <thread>
 
+#include "common/eventually.h"
 #include "common/pretend_tools.h"
 #include "common/scratch.h"
 
@@ -49,22 +49,22 @@ class HostTest : public ScratchTest {
     Start(arguments);
     return Wait();
   }
-  int Sweep(std::vector<std::string> options = {}) {
+  void StartSweep(std::vector<std::string> options = {}) {
     options.insert(options.end(), {"--toolchain", "tools", "--chdir", "w", "top"});
-    return Run(options);
+    Start(options);
+  }
+  int Sweep(const std::vector<std::string>& options = {}) {
+    StartSweep(options);
+    return Wait();
   }
 
   bool WaitFor(const std::string& file) {
-    for (int i = 0; i < 3000 && !Exists(file); ++i)
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    return Exists(file);
+    return Eventually([&] { return Exists(file); });
   }
   // The tool wrote its process id here; true when it has gone.
   bool HasEnded(const std::string& pid_file) {
     const pid_t pid = std::stoi(Read(pid_file));
-    for (int i = 0; i < 3000 && kill(pid, 0) == 0; ++i)
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    return kill(pid, 0) != 0;
+    return Eventually([&] { return kill(pid, 0) != 0; });
   }
   // The runs of the report file, best first.
   std::string CsvOrder() const {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <unistd.h>
-
 #include <functional>
 
 #include "common/host_run.h"
@@ -80,8 +78,7 @@ class DisturbedSweepTest : public HostTest {
     for (const std::string file : {"w/top.ncd", "w/top.twr", "w/top.par", "w/top.pad"})
       EXPECT_TRUE(!Said("\n  " + file + "\n") || !Read(file).empty()) << file;
     EXPECT_TRUE(!Said("\n  w/top.ncd\n") || Said("\nbest: " + Read("w/top.ncd").substr(10)));
-    for (int i = 0; i < 1000 && IsAnythingRunning(); ++i) usleep(10000);
-    EXPECT_FALSE(IsAnythingRunning());
+    EXPECT_TRUE(Eventually([&] { return !IsAnythingRunning(); }, std::chrono::seconds(10)));
   }
   bool IsAnythingRunning() const {
     std::error_code gone;

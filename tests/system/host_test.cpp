@@ -90,7 +90,7 @@ TEST_F(HostTest, StopsAtZero) {
 
 TEST_F(HostTest, InterruptedSweepReportsWhatFinishedAndLeavesNothingRunning) {
   Write("w/behave/5_2", sleeper);
-  Start({"--jobs", "1", "--toolchain", "tools", "--chdir", "w", "top"});
+  StartSweep({"--jobs", "1"});
   ASSERT_TRUE(WaitFor("w/pid_5_2"));
   kill(static_cast<pid_t>(process.processId()), SIGINT);
   EXPECT_EQ(Wait(), 130) << err;
@@ -105,7 +105,7 @@ TEST_F(HostTest, InterruptedSweepReportsWhatFinishedAndLeavesNothingRunning) {
 TEST_F(HostTest, WhatTheCallerIgnoresStaysIgnored) {
   Write("w/behave/5_2", "touch began; while [ ! -f go ]; do sleep 0.01; done\n");
   process.setChildProcessModifier([] { signal(SIGHUP, SIG_IGN); });  // As nohup does.
-  Start({"--toolchain", "tools", "--chdir", "w", "top"});
+  StartSweep();
   ASSERT_TRUE(WaitFor("w/began"));
   kill(static_cast<pid_t>(process.processId()), SIGHUP);
   Write("w/go", "");
@@ -116,7 +116,7 @@ TEST_F(HostTest, GivesToolsTheirGraceUnlessAskedTwice) {
   for (const int signals : {1, 2}) {
     Write("w/behave/5_1", CleansUpFor(signals == 1 ? "0.3" : "1.5") + sleeper);
     for (const char* const file : {"w/cleaned", "w/told", "w/pid_5_1"}) std::filesystem::remove(Path(file));
-    Start({"--jobs", "1", "--toolchain", "tools", "--chdir", "w", "top"});
+    StartSweep({"--jobs", "1"});
     ASSERT_TRUE(WaitFor("w/pid_5_1"));
     for (int i = 0; i < signals; ++i) {
       kill(static_cast<pid_t>(process.processId()), SIGTERM);
@@ -132,7 +132,7 @@ TEST_F(HostTest, NothingOutlivesAKilledSupervisor) {
   // One child in the group of its command, one in a session of its own.
   Write("w/behave/5_1",
         "setsid sleep 60 & echo $! >pid_far; sleep 60 & echo $! >pid.tmp; mv pid.tmp pid_$R; wait\n");
-  Start({"--jobs", "1", "--toolchain", "tools", "--chdir", "w", "top"});
+  StartSweep({"--jobs", "1"});
   ASSERT_TRUE(WaitFor("w/pid_5_1"));
   std::system(("pkill -KILL -P " + std::to_string(process.processId())).c_str());
   EXPECT_EQ(Wait(), 4);
@@ -147,9 +147,8 @@ TEST_F(HostTest, AnIdleSupervisorThatIsStoppedOrToldToEndHoldsNothingUp) {
   for (const std::string signal : {"STOP", "TERM"}) {
     std::filesystem::remove(Path("w/go"));
     std::filesystem::remove(Path("w/top.dir/5_2.twr"));
-    Start({"--jobs", "2", "--toolchain", "tools", "--chdir", "w", "top"});
+    StartSweep({"--jobs", "2"});
     ASSERT_TRUE(WaitFor("w/top.dir/5_2.twr"));
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
     const std::string host = std::to_string(process.processId());
     const std::string told = Path("told_") + signal;
     std::system(("for i in $(seq 300); do for p in $(pgrep -P " + host +
@@ -214,7 +213,7 @@ TEST_F(HostTest, GoesOnWhenNobodyReadsAndSaysWhenTheResultIsLost) {
 
 TEST_F(HostTest, NothingOutlivesAKilledHost) {
   Write("w/behave/5_1", "trap '' TERM\nsleep 60 & echo $! >pid.tmp; mv pid.tmp pid_$R; wait\n");
-  Start({"--jobs", "1", "--toolchain", "tools", "--chdir", "w", "top"});
+  StartSweep({"--jobs", "1"});
   ASSERT_TRUE(WaitFor("w/pid_5_1"));
   process.kill();
   process.waitForFinished();

@@ -132,7 +132,7 @@ TEST_F(ResumeTest, SurvivesBeingKilledAtAnyMoment) {
   std::mt19937 random(20261123);  // The same moments in every test run, as far as the machine lets them be.
   int kills = 0;
   for (unsigned attempt = 0; attempt < 40; ++attempt) {
-    Start({"--jobs", "2", "--resume", "--toolchain", "tools", "--chdir", "w", "top"});
+    StartSweep({"--jobs", "2", "--resume"});
     // Ever later, since a busy machine takes longer for all that lies before the first run's end.
     if (process.waitForFinished(static_cast<int>(random() % (400 + 100 * attempt)))) break;
     process.kill();
@@ -160,12 +160,14 @@ TEST_F(ResumeTest, AnInterruptBeforeTheRunsKeepsWhatHadFinished) {
   std::filesystem::resize_file(Path("w/top_map.ncd"), 120'000'000);
   Write("w/top.prf", "");
   EXPECT_EQ(Sweep(), 0);
-  Start({"--resume", "--toolchain", "tools", "--chdir", "w", "top"});
-  // While it reads the design.
+  StartSweep({"--resume"});
   const std::string open_files = "/proc/" + std::to_string(process.processId()) + "/fd";
-  const std::string reads =
-      "for i in $(seq 3000); do ls -l " + open_files + " | grep -q top_map.ncd && exit; done";
-  std::system(reads.c_str());
+  EXPECT_TRUE(Eventually([&] {
+    std::error_code error;  // Files are closed meanwhile.
+    for (const auto& file : std::filesystem::directory_iterator(open_files, error))
+      if (std::filesystem::read_symlink(file, error).filename() == "top_map.ncd") return true;
+    return false;
+  })) << "it never read the design";
   kill(static_cast<pid_t>(process.processId()), SIGINT);
   EXPECT_EQ(Wait(), 130) << err;
   EXPECT_EQ(Sweep({"--resume"}), 0);
@@ -174,7 +176,7 @@ TEST_F(ResumeTest, AnInterruptBeforeTheRunsKeepsWhatHadFinished) {
 
 TEST_F(ResumeTest, TwoSweepsOfOneDesignDoNotMeet) {
   Write("w/behave/5_1", sleeper);
-  Start({"--jobs", "1", "--toolchain", "tools", "--chdir", "w", "top"});
+  StartSweep({"--jobs", "1"});
   ASSERT_TRUE(WaitFor("w/pid_5_1"));
   QProcess second;
   second.setWorkingDirectory(QString::fromStdString(Root()));

@@ -33,13 +33,10 @@ class TerminalTest : public HostTest {
     });
   }
   void Type(const char* keys) const { EXPECT_EQ(write(master_, keys, strlen(keys)), ssize_t(strlen(keys))); }
-  // While the program runs; a text that never comes is told by the test's expectations.
-  void WaitForDrawn(const std::regex& text) {
-    for (int i = 0; i < 1000; ++i) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
-      const std::lock_guard lock(drawing_);
-      if (std::regex_search(drawn, text)) return;
-    }
+  // While the program runs.
+  bool IsDrawn(const std::regex& text) {
+    const std::lock_guard lock(drawing_);
+    return std::regex_search(drawn, text);
   }
   // After the program: with its copies gone the reader comes to the end.
   void Close() {
@@ -52,7 +49,7 @@ class TerminalTest : public HostTest {
   void PressCtrlC(int presses) {
     Write("w/behave/5_1", CleansUpFor(presses == 1 ? "0.3" : "1.5") + sleeper);
     Open(30);
-    Start({"--jobs", "1", "--toolchain", "tools", "--chdir", "w", "top"});
+    StartSweep({"--jobs", "1"});
     ASSERT_TRUE(WaitFor("w/pid_5_1"));
     for (int i = 0; i < presses; ++i) {
       Type("\x03");
@@ -82,13 +79,13 @@ class TerminalTest : public HostTest {
 TEST_F(TerminalTest, TheBlockComesAndGoes) {
   Open(80);
   Write("w/behave/5_1", "until [ -e seen ]; do sleep 0.01; done\n");
-  Start({"--jobs", "1", "--verbose", "--toolchain", "tools", "--chdir", "w", "top"});
+  StartSweep({"--jobs", "1", "--verbose"});
   const std::regex after_a_while("5_1  1/2 par  0:0[1-9]");
-  WaitForDrawn(after_a_while);
+  EXPECT_TRUE(Eventually([&] { return IsDrawn(after_a_while); }, std::chrono::seconds(10)));
   Write("w/seen", "");
   EXPECT_EQ(Wait(), 0);
   Close();
-  EXPECT_TRUE(std::regex_search(drawn, after_a_while)) << drawn;
+  EXPECT_TRUE(IsDrawn(after_a_while)) << drawn;
   EXPECT_NE(drawn.find("5_3 | routing 5_3\r\n"), std::string::npos) << drawn;
   const std::size_t last = drawn.rfind("\x1b[J");
   ASSERT_NE(last, std::string::npos) << drawn;

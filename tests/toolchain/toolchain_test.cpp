@@ -13,6 +13,7 @@
 
 #include "analysis/analyser.h"
 #include "common/child_process.h"
+#include "common/eventually.h"
 #include "common/files.h"
 #include "common/text.h"
 #include "results/par_result.h"
@@ -248,21 +249,18 @@ TEST_F(ToolchainTest, AnUnroutableDesignEnds) {
 
 // The first child of a process, once it runs the program `name`.
 pid_t WaitForChild(pid_t parent, const std::string& name) {
-  for (int i = 0; i < 3000; ++i) {
-    pid_t child = 0;
+  pid_t child = 0;
+  const bool runs = Eventually([&] {
     std::string running;
     std::ifstream(Format("/proc/%d/task/%d/children", parent, parent)) >> child;
     std::ifstream(Format("/proc/%d/comm", child)) >> running;
-    if (child && running == name) return child;
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  return 0;
+    return child && running == name;
+  });
+  return runs ? child : 0;
 }
 
 bool Ends(pid_t process) {
-  for (int i = 0; i < 1000 && ::kill(process, 0) == 0; ++i)
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  return ::kill(process, 0) != 0;
+  return Eventually([&] { return ::kill(process, 0) != 0; }, std::chrono::seconds(10));
 }
 
 TEST_F(ToolchainTest, NoEngineOutlivesPar) {
